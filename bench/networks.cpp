@@ -1,0 +1,296 @@
+// Writes the networks and formulas that scripts/bench measures. All of it is arithmetic on the
+// parameters, so a family with its parameters gives the same bytes everywhere.
+
+#include <algorithm>
+#include <charconv>
+#include <cstddef>
+#include <fstream>
+#include <iostream>
+#include <random>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+namespace {
+
+using Params = std::vector<long>;
+
+// The largest action number of any family is below 20 times a parameter, and has to be an int.
+constexpr long maxParam = 100000000;
+
+constexpr std::string_view endValuation = "end\nend\n";
+
+void heading(std::ostream& net, long automaton, long nrOfLocations) {
+    net << "automaton " << automaton << '\n';
+    for (long l = 0; l < nrOfLocations; ++l) {
+        net << "location " << l << "\nend\n";
+    }
+}
+
+void transition(std::ostream& net, long source, long target, long action) {
+    net << "transition " << source << ' ' << target << ' ' << action << "\nend\n";
+}
+
+std::string prop(long p) {
+    return "p" + std::to_string(p);
+}
+
+// std::mt19937 gives the same numbers on every machine, the distributions of <random> do not.
+long below(std::mt19937& random, long bound) {
+    return static_cast<long>(random()) % bound;
+}
+
+// Philosopher i takes fork i and then the next one, and puts them back in that order.
+std::string philosophers(const Params& params, std::ostream& net) {
+    const long n = params[0];
+    for (long i = 0; i < n; ++i) {
+        heading(net, i + 1, 4);
+        for (long l = 0; l < 4; ++l) {
+            transition(net, l, (l + 1) % 4, 10 * i + l + 1);
+        }
+        net << "valuation\n1 " << 100 + i << "\n2 " << 200 + i << " 1\n" << endValuation;
+    }
+    for (long i = 0; i < n; ++i) {
+        const long other = (i + n - 1) % n;
+        heading(net, n + i + 1, 2);
+        transition(net, 0, 1, 10 * i + 1);
+        transition(net, 1, 0, 10 * i + 3);
+        transition(net, 0, 1, 10 * other + 2);
+        transition(net, 1, 0, 10 * other + 4);
+        net << "valuation\n" << endValuation;
+    }
+    return prop(100) + prop(100 + n - 1) + "&";
+}
+
+// A producer, n stages and a consumer, each handing on to the next.
+std::string pipeline(const Params& params, std::ostream& net) {
+    const long last = params[0] + 2;
+    for (long i = 1; i <= last; ++i) {
+        heading(net, i, 2);
+        transition(net, 0, 1, i);
+        transition(net, 1, 0, i == last ? 1000 : i + 1);
+        const long p = i == 1 ? 1 : i == last ? 2 : i + 8;
+        net << "valuation\n1 " << p << '\n' << endValuation;
+    }
+    return "p1p2&";
+}
+
+// Counters that step alone and wrap around together.
+std::string counters(const Params& params, std::ostream& net) {
+    const long top = params[1] - 1;
+    for (long i = 1; i <= params[0]; ++i) {
+        heading(net, i, top + 1);
+        for (long l = 0; l < top; ++l) {
+            transition(net, l, l + 1, i);
+        }
+        transition(net, top, 0, 0);
+        net << "valuation\n" << top << " 1\n0 2\n" << endValuation;
+    }
+    return "p1p-2&";
+}
+
+// Two walkers on a torus that always take the same direction.
+std::string grid(const Params& params, std::ostream& net) {
+    const long n = params[0];
+    for (long i = 1; i <= 2; ++i) {
+        heading(net, i, n * n);
+        for (long row = 0; row < n; ++row) {
+            for (long column = 0; column < n; ++column) {
+                const long here = row * n + column;
+                transition(net, here, row * n + (column + 1) % n, 0);
+                transition(net, here, (row + 1) % n * n + column, 1);
+                transition(net, here, row * n + (column + n - 1) % n, 2);
+                transition(net, here, (row + n - 1) % n * n + column, 3);
+            }
+        }
+        net << "valuation\n" << n * n - 1 << " 1\n" << endValuation;
+    }
+    return "p1";
+}
+
+// One variable a position, so the path can be as long as the variables allow.
+std::string onebit(const Params&, std::ostream& net) {
+    heading(net, 1, 2);
+    transition(net, 0, 1, 1);
+    transition(net, 1, 0, 2);
+    net << "valuation\n1 1\n" << endValuation;
+    return "p1";
+}
+
+// The first half of the formula is a chain that keeps the stack of a reader at two entries, the
+// second half piles up all its propositions before their operators.
+std::string tokens(const Params& params, std::ostream& net) {
+    heading(net, 1, 2);
+    transition(net, 0, 1, 1);
+    transition(net, 1, 0, 2);
+    net << "valuation\n0 1\n1 2 3\n" << endValuation;
+    heading(net, 2, 3);
+    transition(net, 0, 1, 1);
+    transition(net, 1, 2, 0);
+    transition(net, 2, 0, 3);
+    net << "valuation\n2 4\n" << endValuation;
+
+    std::mt19937 random(1);
+    const auto operand = [&random] {
+        return (below(random, 4) == 0 ? "p-" : "p") + std::to_string(1 + below(random, 4));
+    };
+    const auto operation = [&random] { return below(random, 2) == 0 ? '&' : '+'; };
+
+    const long operations = (params[0] - 1) / 2;
+    const long piled = operations / 2;
+    std::string formula = operand();
+    for (long i = 0; i < operations - piled; ++i) {
+        formula += operand();
+        formula += operation();
+    }
+    for (long i = 0; i < piled; ++i) {
+        formula += operand();
+    }
+    for (long i = 0; i < piled; ++i) {
+        formula += operation();
+    }
+    return formula;
+}
+
+std::string single(const Params& params, std::ostream& net) {
+    const long locations = params[0];
+    std::mt19937 random(1);
+    heading(net, 1, locations);
+    for (long i = 0; i < params[1]; ++i) {
+        transition(net, i % locations, below(random, locations), 1 + i / locations);
+    }
+    net << "valuation\n" << locations - 1 << " 1\n" << endValuation;
+    return "p1";
+}
+
+std::string own(const Params& params, std::ostream& net) {
+    for (long i = 1; i <= params[0]; ++i) {
+        heading(net, i, 2);
+        transition(net, 0, 1, i);
+        transition(net, 1, 0, i);
+        net << "valuation\n1 " << i << '\n' << endValuation;
+    }
+    return prop(1) + prop(params[0]) + "&";
+}
+
+// Every location carries a tenth of the propositions, and hardly any has a transition, so that
+// the valuation is all there is to the size.
+std::string valuation(const Params& params, std::ostream& net) {
+    const long entries = params[0];
+    const long props = params[1];
+    const long perLocation = std::max(1L, props / 10);
+    const long automata = 4;
+    const long perAutomaton = automata * perLocation;
+    const long locations = std::max(2L, (entries + perAutomaton - 1) / perAutomaton);
+    for (long a = 0; a < automata; ++a) {
+        heading(net, a + 1, locations);
+        transition(net, 0, 1, 1);
+        transition(net, 1, 0, 2);
+        net << "valuation\n";
+        for (long l = 0; l < locations; ++l) {
+            const long first = (a * locations + l) * perLocation;
+            const long count = std::min(perLocation, entries - first);
+            if (count <= 0) {
+                break;
+            }
+            net << l;
+            for (long j = 0; j < count; ++j) {
+                net << ' ' << 1 + (l + 10 * j) % props;
+            }
+            net << '\n';
+        }
+        net << endValuation;
+    }
+    return "p1p2+";
+}
+
+// A family writes the automata of its network and returns its formula.
+struct Family {
+    std::string_view name;
+    std::string_view letters;  // one for each parameter
+    std::string (*write)(const Params& params, std::ostream& net);
+    std::string_view about;
+};
+
+constexpr Family families[] = {
+    {"philosophers", "N", philosophers, "N philosophers and N forks"},
+    {"pipeline", "N", pipeline, "N stages between a producer and a consumer"},
+    {"counters", "NM", counters, "N counters of M values that wrap around together"},
+    {"grid", "N", grid, "two walkers on an N by N torus"},
+    {"onebit", "", onebit, "one automaton of two locations"},
+    {"tokens", "M", tokens, "two processes, a formula of M tokens (one less if M is even)"},
+    {"single", "LT", single, "one automaton of L locations and T transitions"},
+    {"own", "N", own, "N automata of two locations, each with its own action"},
+    {"valuation", "EP", valuation, "a valuation of E entries over P propositions"},
+};
+
+std::string shape(const Family& family) {
+    std::string text(family.name);
+    for (const char letter : family.letters) {
+        text += ' ';
+        text += letter;
+    }
+    return text;
+}
+
+int usage() {
+    std::cerr << "Usage: networks FAMILY PARAM... BASE\n"
+                 "Writes the network BASE.in and the formula BASE-formula.in. The families:\n";
+    for (const Family& family : families) {
+        std::string left = shape(family);
+        left.resize(std::max<std::size_t>(left.size(), 16), ' ');
+        std::cerr << "  " << left << family.about << '\n';
+    }
+    return 2;
+}
+
+// 0 for a text that is no parameter.
+long number(std::string_view text) {
+    long value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, status] = std::from_chars(text.data(), end, value);
+    const bool valid = status == std::errc() && rest == end && value >= 1 && value <= maxParam;
+    return valid ? value : 0;
+}
+
+int generate(const Family& family, const Params& params, const std::string& base) {
+    std::ofstream net(base + ".in");
+    net << family.name;
+    for (const long p : params) {
+        net << ' ' << p;
+    }
+    net << '\n';
+    std::ofstream formula(base + "-formula.in");
+    formula << family.write(params, net) << '\n';
+    net << "end\n";
+    net.close();
+    formula.close();
+    if (!net || !formula) {
+        std::cerr << "networks: cannot write " << base << ".in and " << base << "-formula.in\n";
+        return 1;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+    if (arguments.empty()) {
+        return usage();
+    }
+    for (const Family& family : families) {
+        if (family.name != arguments[0] || arguments.size() != family.letters.size() + 2) {
+            continue;
+        }
+        Params params;
+        for (std::size_t i = 0; i < family.letters.size(); ++i) {
+            params.push_back(number(arguments[i + 1]));
+        }
+        if (std::find(params.begin(), params.end(), 0) == params.end()) {
+            return generate(family, params, arguments.back());
+        }
+    }
+    return usage();
+}

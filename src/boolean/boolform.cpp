@@ -1,0 +1,368 @@
+#include "boolform.h"
+
+#include <algorithm>
+#include <array>
+#include <cassert>
+#include <charconv>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+
+namespace {
+
+constexpr int firstNode = BoolForm::maxVariable + 1;
+
+bool isTrue(const BoolForm& a) { return a.nr == BoolForm::trueNr; }
+bool isFalse(const BoolForm& a) { return a.nr == 0; }
+
+bool isNode(int nr) { return nr >= firstNode; }
+
+const Triple& triple(int node) {
+    return BoolForm::tv[static_cast<std::size_t>(node) - firstNode];
+}
+
+/// The formula of any number of the number space, where the constructor takes variables only.
+BoolForm formula(int nr) {
+    BoolForm f(false);
+    f.nr = nr;
+    return f;
+}
+
+// The clauses of each gate, each written once. The sink takes one Clause at a time.
+
+// x
+template <class Sink> void unitClauses(int x, Sink&& sink) { sink(Clause(x, 0, 0)); }
+
+// x = !y
+template <class Sink> void negClauses(int x, int y, Sink&& sink) {
+    sink(Clause(x, y, 0));
+    sink(Clause(-x, -y, 0));
+}
+
+// z = x & y
+template <class Sink> void conClauses(int x, int y, int z, Sink&& sink) {
+    sink(Clause(-z, x, 0));
+    sink(Clause(-z, y, 0));
+    sink(Clause(-x, -y, z));
+}
+
+// z = (x = y)
+template <class Sink> void equClauses(int x, int y, int z, Sink&& sink) {
+    sink(Clause(-z, -x, y));
+    sink(Clause(-z, -y, x));
+    sink(Clause(x, y, z));
+    sink(Clause(-x, -y, z));
+}
+
+/// A sink that inserts into cs.
+auto into(std::set<Clause>& cs) {
+    return [&cs](const Clause& c) { cs.insert(c); };
+}
+
+} // namespace
+
+int BoolForm::maxNr = BoolForm::maxVariable;
+std::vector<Triple> BoolForm::tv;
+BoolForm::TripleMap& BoolForm::mti = *new BoolForm::TripleMap;
+
+BoolForm::BoolForm(int nr) : nr(nr) { assert(nr > 0); }
+
+namespace {
+
+/// The node numbers found or created last, direct-mapped by their triples.
+std::array<int, 1U << 14> recent;
+
+int& recentSlot(const Triple& t) {
+    const std::uint64_t operands =
+        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(t.left)) << 32U |
+         static_cast<std::uint32_t>(t.right)) +
+        static_cast<std::uint64_t>(t.op);
+    return recent[(operands * 0x9E3779B97F4A7C15U) >> 50U];
+}
+
+} // namespace
+
+BoolForm::BoolForm(const BoolForm& l, const BoolForm& r, int op) : nr(0) {
+    assert(op == bfCon || op == bfEqu);
+    const Triple key(op, l.nr, r.nr);
+    int& slot = recentSlot(key);
+    if (isNode(slot) && slot <= maxNr && triple(slot) == key) {
+        nr = slot;
+        return;
+    }
+    const auto place = mti.lower_bound(key);
+    if (place != mti.end() && place->first == key) {
+        nr = place->second;
+    } else {
+        assert(maxNr < std::numeric_limits<int>::max());
+        nr = ++maxNr;
+        tv.push_back(key);
+        mti.emplace_hint(place, key, nr);
+    }
+    slot = nr;
+}
+
+bool BoolForm::isNeg(const BoolForm& f) const { return f == neg(*this); }
+
+BoolForm neg(const BoolForm& a) {
+    if (isTrue(a)) return BoolForm(false);
+    if (isFalse(a)) return BoolForm(true);
+    return formula(-a.nr);
+}
+
+BoolForm con(const BoolForm& a, const BoolForm& b) {
+    if (isTrue(a)) return b;
+    if (isFalse(a) || isFalse(b)) return BoolForm(false);
+    if (isTrue(b)) return a;
+    if (a == b) return a;
+    if (a.nr == -b.nr) return BoolForm(false);
+    return a.nr < b.nr ? BoolForm(a, b, bfCon) : BoolForm(b, a, bfCon);
+}
+
+BoolForm dis(const BoolForm& a, const BoolForm& b) { return neg(con(neg(a), neg(b))); }
+
+BoolForm equ(const BoolForm& a, const BoolForm& b) {
+    if (isTrue(a)) return b;
+    if (isFalse(a)) return neg(b);
+    if (isFalse(b)) return neg(a);
+    if (isTrue(b)) return a;
+    if (a == b) return BoolForm(true);
+    if (a.nr == -b.nr) return BoolForm(false);
+    const int x = std::abs(a.nr);
+    const int y = std::abs(b.nr);
+    const BoolForm node(formula(std::min(x, y)), formula(std::max(x, y)), bfEqu);
+    return (a.nr < 0) == (b.nr < 0) ? node : neg(node);
+}
+
+BoolForm imp(const BoolForm& a, const BoolForm& b) { return dis(neg(a), b); }
+
+BoolForm notequ(const BoolForm& a, const BoolForm& b) { return neg(equ(a, b)); }
+
+BoolForm value(const BoolForm& a, int v, bool b) {
+    std::map<int, BoolForm> values; // of the composed nodes done so far
+    const auto known = [&](int nr) { return !isNode(std::abs(nr)) || values.contains(std::abs(nr)); };
+    const auto valueOf = [&](int nr) {
+        const BoolForm atom = std::abs(nr) == v ? BoolForm(b) : formula(std::abs(nr));
+        const BoolForm r = isNode(std::abs(nr)) ? values.at(std::abs(nr)) : atom;
+        return nr < 0 ? neg(r) : r;
+    };
+    if (isTrue(a) || isFalse(a)) return a;
+
+    std::vector<int> open;
+    if (!known(a.nr)) open.push_back(std::abs(a.nr));
+    while (!open.empty()) {
+        const int n = open.back();
+        const Triple t = triple(n);
+        if (!known(t.right)) {
+            open.push_back(std::abs(t.right));
+        } else if (!known(t.left)) {
+            open.push_back(std::abs(t.left));
+        } else {
+            const BoolForm right = valueOf(t.right);
+            const BoolForm left = valueOf(t.left);
+            values.emplace(n, t.op == bfCon ? con(left, right) : equ(left, right));
+            open.pop_back();
+        }
+    }
+    return valueOf(a.nr);
+}
+
+Clause::Clause(int x, int y, int z) : l1(x), l2(y), l3(z) {
+    if (std::abs(l2) < std::abs(l1)) std::swap(l1, l2);
+    if (std::abs(l3) < std::abs(l1)) std::swap(l1, l3);
+    if (std::abs(l3) < std::abs(l2)) std::swap(l2, l3);
+    if (l3 == l1 || l3 == l2) l3 = 0;
+    if (l2 == l1) l2 = 0;
+}
+
+void BoolForm::addVar(std::set<Clause>& cs, int x) const { unitClauses(x, into(cs)); }
+void BoolForm::addNeg(std::set<Clause>& cs, int x, int y) const { negClauses(x, y, into(cs)); }
+void BoolForm::addCon(std::set<Clause>& cs, int x, int y, int z) const {
+    conClauses(x, y, z, into(cs));
+}
+void BoolForm::addEqu(std::set<Clause>& cs, int x, int y, int z) const {
+    equClauses(x, y, z, into(cs));
+}
+
+void BoolForm::toCNF(std::set<Clause>& cs) const {
+    if (isTrue(*this) || isFalse(*this)) cs.clear();
+    auto place = cs.begin();
+    for (const Clause& c : clauses()) place = std::next(cs.insert(place, c));
+}
+
+namespace {
+
+/// The number of a literal in a file whose largest variable is shift below the nodes' first.
+int fileNr(int literal, int shift) {
+    if (literal > BoolForm::maxVariable) return literal - shift;
+    if (literal < -BoolForm::maxVariable) return literal + shift;
+    return literal;
+}
+
+} // namespace
+
+std::vector<Clause> BoolForm::clauses() const {
+    if (isTrue(*this)) return {};
+    if (isFalse(*this)) return {Clause(0, 0, 0)};
+
+    // An operand has a smaller number than its node, so one walk from the top down reaches all.
+    const int top = std::abs(nr);
+    std::vector<bool> reached(isNode(top) ? static_cast<std::size_t>(top) - firstNode + 1 : 0);
+    int variables = 0;
+    const auto reach = [&](int literal) {
+        const int n = std::abs(literal);
+        if (isNode(n)) {
+            reached[static_cast<std::size_t>(n) - firstNode] = true;
+        } else {
+            variables = std::max(variables, n);
+        }
+    };
+    reach(nr);
+    const auto forEachReached = [&](auto&& use) {
+        for (std::size_t i = reached.size(); i-- > 0;) {
+            if (reached[i]) use(static_cast<int>(i) + firstNode, tv[i]);
+        }
+    };
+    forEachReached([&](int, const Triple& t) {
+        reach(t.left);
+        reach(t.right);
+    });
+    const auto forEachClause = [&](auto&& sink) {
+        unitClauses(nr, sink);
+        forEachReached([&](int n, const Triple& t) {
+            if (t.op == bfCon) {
+                conClauses(t.left, t.right, n, sink);
+            } else {
+                equClauses(t.left, t.right, n, sink);
+            }
+        });
+    };
+
+    // Counting sort by the first literal, straight into the final places: no second copy of the
+    // clauses, and no comparison but among the few that share their first literal.
+    const int shift = maxVariable - variables;
+    const std::ptrdiff_t last = fileNr(std::max(top, variables), shift);
+    const auto bucket = [&](const Clause& c) {
+        const std::ptrdiff_t block = c.l1 < 0 ? last : c.l1 == 0 ? 2 * last : 3 * last;
+        return static_cast<std::size_t>(block + fileNr(c.l1 != 0 ? c.l1 : c.l2, shift));
+    };
+    std::vector<std::uint32_t> ends(static_cast<std::size_t>(4 * last) + 2);
+    forEachClause([&](const Clause& c) { ++ends[bucket(c) + 1]; });
+    std::uint64_t total = 0;
+    for (std::uint32_t& end : ends) {
+        total += end;
+        assert(total <= std::numeric_limits<std::uint32_t>::max());
+        end = static_cast<std::uint32_t>(total);
+    }
+    std::vector<Clause> sorted(total, Clause(0, 0, 0));
+    forEachClause([&](const Clause& c) { sorted[ends[bucket(c)]++] = c; });
+    std::uint32_t begin = 0;
+    for (const std::uint32_t end : ends) {
+        if (end - begin > 1) std::sort(sorted.begin() + begin, sorted.begin() + end);
+        begin = end;
+    }
+    return sorted;
+}
+
+namespace {
+
+/// Formats numbers and words into one large block and hands full blocks to the file.
+class BlockWriter {
+public:
+    explicit BlockWriter(const std::string& file) : out(file, std::ios::binary), block(blockSize) {}
+    ~BlockWriter() { flush(); }
+    BlockWriter(const BlockWriter&) = delete;
+    BlockWriter& operator=(const BlockWriter&) = delete;
+
+    void text(const char* word) {
+        while (*word != 0) put(*word++);
+    }
+    void put(char c) { block[used++] = c; }
+    template <class Number> void number(Number n) {
+        char* const begin = block.data() + used;
+        used += static_cast<std::size_t>(std::to_chars(begin, begin + lineSize, n).ptr - begin);
+    }
+    void endLine() {
+        put('\n');
+        if (used > blockSize - lineSize) flush();
+    }
+
+private:
+    void flush() {
+        out.write(block.data(), static_cast<std::streamsize>(used));
+        used = 0;
+    }
+
+    static constexpr std::size_t blockSize = 1U << 18U;
+    static constexpr std::size_t lineSize = 64; // no line is longer
+    std::ofstream out;
+    std::vector<char> block;
+    std::size_t used = 0;
+};
+
+template <class Clauses> void write(const Clauses& cs, const std::string& file, int shift) {
+    BlockWriter out(file);
+    out.text("p cnf ");
+    out.number(fileNr(maxCNFVarNr(cs), shift));
+    out.put(' ');
+    out.number(cs.size());
+    out.endLine();
+    for (const Clause& c : cs) {
+        for (const int literal : {c.l1, c.l2, c.l3}) {
+            if (literal == 0) continue;
+            out.number(fileNr(literal, shift));
+            out.put(' ');
+        }
+        out.put('0');
+        out.endLine();
+    }
+}
+
+} // namespace
+
+template <class Clauses> int maxCNFVarNr(const Clauses& cs) {
+    int largest = 0;
+    for (const Clause& c : cs) {
+        for (const int literal : {c.l1, c.l2, c.l3}) largest = std::max(largest, std::abs(literal));
+    }
+    return largest;
+}
+
+template <class Clauses> int maxCNFOrgVarNr(const Clauses& cs) {
+    int largest = 0;
+    for (const Clause& c : cs) {
+        for (const int literal : {c.l1, c.l2, c.l3}) {
+            const int n = std::abs(literal);
+            if (n < BoolForm::maxVariable) largest = std::max(largest, n);
+        }
+    }
+    return largest;
+}
+
+template <class Clauses> void showCNF(const Clauses& cs, std::string name) {
+    write(cs, name.append(".cnf"), BoolForm::maxVariable - maxCNFOrgVarNr(cs));
+}
+
+template <class Clauses> void showCNF(const Clauses& cs) { write(cs, "test.cnf", 0); }
+
+int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v) {
+    const int shift = BoolForm::maxVariable - maxCNFOrgVarNr(cs);
+    int largest = 0;
+    for (const Clause& c : cs) {
+        std::vector<int>& literals = v.emplace_back();
+        for (const int literal : {c.l1, c.l2, c.l3}) {
+            if (literal == 0) continue;
+            literals.push_back(fileNr(literal, shift));
+            largest = std::max(largest, std::abs(literals.back()));
+        }
+    }
+    return largest;
+}
+
+template int maxCNFVarNr(const std::set<Clause>& cs);
+template int maxCNFVarNr(const std::vector<Clause>& cs);
+template int maxCNFOrgVarNr(const std::set<Clause>& cs);
+template int maxCNFOrgVarNr(const std::vector<Clause>& cs);
+template void showCNF(const std::set<Clause>& cs, std::string name);
+template void showCNF(const std::vector<Clause>& cs, std::string name);
+template void showCNF(const std::set<Clause>& cs);

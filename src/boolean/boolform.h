@@ -1,0 +1,185 @@
+// Shared propositional formulas, their conversion to clauses and the DIMACS writer.
+//
+// A formula is a signed number. The composed formulas live in one store of the process, a directed
+// acyclic graph with structural hashing: building the same formula twice gives the same number.
+// Negation flips the sign and costs nothing.
+//
+//                    0   the constant false
+//          -2147483648   the constant true
+//         1 to 1000000   the variable of that number
+//     1000001 to maxNr   a composed node, numbered in the order of creation
+//         the negative   the negation of that variable or node
+//
+// Invariants of the store:
+//  - the triple of node n stands at index n - 1000001 of tv, and mti maps it back to n;
+//  - no two nodes have the same triple, and the operands of a node have smaller absolute values;
+//  - no constant stands inside a node, nor two operands that are equal or complementary;
+//  - a conjunction has left < right as signed numbers, an equivalence 0 < left < right.
+//
+// The store only grows. Node numbers show in the output files, so callers that need the same bytes
+// for the same input must create their formulas in the same order.
+
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <limits>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// The kinds of composed nodes. Disjunction, implication and inequality are derived from them.
+enum NodeKind { bfCon = 1, bfEqu = 2 };
+
+/// A composed node: its kind and its two operands, signed formula numbers.
+struct Triple {
+    int op;
+    int left;
+    int right;
+
+    Triple(int op, int left, int right) : op(op), left(left), right(right) {}
+};
+
+/// Lexicographic over op, left, right as signed numbers.
+inline bool operator<(const Triple& a, const Triple& b) {
+    if (a.op != b.op) return a.op < b.op;
+    if (a.left != b.left) return a.left < b.left;
+    return a.right < b.right;
+}
+
+inline bool operator==(const Triple& a, const Triple& b) {
+    return a.op == b.op && a.left == b.left && a.right == b.right;
+}
+
+/// A clause of at most three literals in normal form: ascending absolute values, a repeated literal
+/// removed, 0 for no literal. Literals are formula numbers of variables and composed nodes.
+struct Clause {
+    int l1;
+    int l2;
+    int l3;
+
+    /// Takes the literals in any order; 0 stands for none.
+    Clause(int x, int y, int z);
+};
+
+/// Lexicographic over l1, l2, l3 as signed numbers: the order of the clauses in the file.
+inline bool operator<(const Clause& a, const Clause& b) {
+    if (a.l1 != b.l1) return a.l1 < b.l1;
+    if (a.l2 != b.l2) return a.l2 < b.l2;
+    return a.l3 < b.l3;
+}
+
+inline bool operator==(const Clause& a, const Clause& b) {
+    return a.l1 == b.l1 && a.l2 == b.l2 && a.l3 == b.l3;
+}
+
+/// Hands out memory from blocks that are never given back, for containers that only grow.
+template <class T> class BlockAllocator {
+public:
+    using value_type = T;
+
+    BlockAllocator() = default;
+    template <class U> explicit(false) BlockAllocator(const BlockAllocator<U>& /*other*/) {}
+
+    T* allocate(std::size_t count);
+    void deallocate(T* /*memory*/, std::size_t /*count*/) {}
+
+    friend bool operator==(const BlockAllocator& /*a*/, const BlockAllocator& /*b*/) {
+        return true;
+    }
+};
+
+/// A propositional formula: a number into the store. Copying it copies the number.
+class BoolForm {
+public:
+    using TripleMap =
+        std::map<Triple, int, std::less<Triple>, BlockAllocator<std::pair<const Triple, int>>>;
+
+    /// The constant b.
+    explicit BoolForm(bool b) : nr(b ? trueNr : 0) {}
+    /// The variable nr. Precondition, asserted: nr > 0. The caller keeps it at most maxVariable.
+    explicit BoolForm(int nr);
+    /// Finds or creates the node (op, l, r). Precondition, asserted: op is bfCon or bfEqu. Orders
+    /// and folds nothing: that is the part of con and equ, the only callers.
+    BoolForm(const BoolForm& l, const BoolForm& r, int op);
+
+    /// Whether f is the negation of this formula, constants included.
+    [[nodiscard]] bool isNeg(const BoolForm& f) const;
+    /// The number of the latest composed node; 1000000 while there is none.
+    [[nodiscard]] int maxVarNr() const { return maxNr; }
+
+    /// Adds the clauses of this formula to cs (Tseitin encoding with both directions): a unit
+    /// clause that asserts it, and for each composed node reached the clauses that define the
+    /// node's number. A constant empties cs first; false leaves the empty clause, true none.
+    void toCNF(std::set<Clause>& cs) const;
+    /// The clauses that toCNF adds to an empty set, in the order of the set. Linear in the number
+    /// of nodes below this one, but for the sorting of clauses that share their first literal.
+    [[nodiscard]] std::vector<Clause> clauses() const;
+
+    /// x holds.
+    void addVar(std::set<Clause>& cs, int x) const;
+    /// x = !y.
+    void addNeg(std::set<Clause>& cs, int x, int y) const;
+    /// z = x & y.
+    void addCon(std::set<Clause>& cs, int x, int y, int z) const;
+    /// z = (x = y).
+    void addEqu(std::set<Clause>& cs, int x, int y, int z) const;
+
+    static constexpr int maxVariable = 1000000;
+    static constexpr int trueNr = std::numeric_limits<int>::min();
+
+    int nr;
+
+    /// The number of the latest node; the next one gets maxNr + 1.
+    static int maxNr;
+    static std::vector<Triple> tv;
+    /// Lives as long as the process: to walk its nodes at exit would cost 25 ms for 700000 of them.
+    static TripleMap& mti;
+};
+
+[[nodiscard]] BoolForm neg(const BoolForm& a);
+[[nodiscard]] BoolForm con(const BoolForm& a, const BoolForm& b);
+[[nodiscard]] BoolForm dis(const BoolForm& a, const BoolForm& b);
+[[nodiscard]] BoolForm equ(const BoolForm& a, const BoolForm& b);
+/// a implies b.
+[[nodiscard]] BoolForm imp(const BoolForm& a, const BoolForm& b);
+[[nodiscard]] BoolForm notequ(const BoolForm& a, const BoolForm& b);
+/// a with the constant b in place of variable v, under negations too. Visits a shared node once,
+/// right operand before left, without recursion.
+[[nodiscard]] BoolForm value(const BoolForm& a, int v, bool b);
+/// Identity in the store, not logical equivalence.
+[[nodiscard]] inline bool operator==(const BoolForm& a, const BoolForm& b) { return a.nr == b.nr; }
+
+// The DIMACS file. The writer renumbers: with m the largest variable that occurs, a variable keeps
+// its number and node n becomes n - 1000000 + m. Each operation takes a sorted range of clauses
+// without repeats, a std::set<Clause> or a std::vector<Clause>.
+
+/// The largest absolute value of any literal, 0 if there is none.
+template <class Clauses> [[nodiscard]] int maxCNFVarNr(const Clauses& cs);
+/// The largest variable that occurs, 0 if there is none.
+template <class Clauses> [[nodiscard]] int maxCNFOrgVarNr(const Clauses& cs);
+/// Writes cs to name + ".cnf", renumbered. A file that cannot be written is not reported.
+template <class Clauses> void showCNF(const Clauses& cs, std::string name);
+/// Writes cs to "test.cnf" in the current directory with the numbers of the store.
+template <class Clauses> void showCNF(const Clauses& cs);
+/// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute
+/// value among them, 0 if there is none.
+int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v);
+
+template <class T> T* BlockAllocator<T>::allocate(std::size_t count) {
+    // One block of 4096 nodes in place of 4096 calls of operator new.
+    static constexpr std::size_t blockSize = 4096;
+    static T* next = nullptr;
+    static std::size_t left = 0;
+    if (count > left) {
+        left = count > blockSize ? count : blockSize;
+        next = std::allocator<T>().allocate(left);
+    }
+    left -= count;
+    T* const memory = next;
+    next += count;
+    return memory;
+}

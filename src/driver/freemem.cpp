@@ -1,0 +1,64 @@
+#include "freemem.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr unsigned int noFigure = -1;
+
+std::vector<std::string> nonEmptyLines(std::istream& in) {
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
+}
+
+/// The third number behind the first word.
+std::optional<long long> freeColumn(const std::string& line) {
+    std::istringstream fields(line);
+    std::string head;
+    long long total = 0;
+    long long used = 0;
+    long long free = 0;
+    if (fields >> head >> total >> used >> free) return free;
+    return {};
+}
+
+/// The value of the line that begins with the name.
+std::optional<long long> valueOf(const std::vector<std::string>& lines, const std::string& name) {
+    for (const std::string& line : lines) {
+        std::istringstream fields(line);
+        std::string head;
+        long long value = 0;
+        if (fields >> head >> value && head == name) return value;
+    }
+    return {};
+}
+
+} // namespace
+
+unsigned int freeMemIn(std::istream& in) {
+    const std::vector<std::string> lines = nonEmptyLines(in);
+    if (lines.size() >= 3) {
+        const auto memory = freeColumn(lines[1]);
+        const auto swap = freeColumn(lines[2]);
+        if (memory && swap) return static_cast<unsigned int>(*memory + *swap);
+    }
+    const auto memory = valueOf(lines, "MemFree:");
+    const auto swap = valueOf(lines, "SwapFree:");
+    if (!memory && !swap) return noFigure;
+    return static_cast<unsigned int>((memory.value_or(0) + swap.value_or(0)) * 1024);
+}
+
+unsigned int getfreemem() {
+    // Only the file is read, so what the command prints, or whether it is there, does not matter.
+    [[maybe_unused]] const int status = std::system("free > /dev/null");
+    std::ifstream in("/proc/meminfo");
+    return in ? freeMemIn(in) : noFigure;
+}

@@ -1,0 +1,74 @@
+// The command tervoxal: one run from a network, a formula and a path length to the output files.
+
+#include "freemem.h"
+#include "tectltran.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <fstream>
+#include <iostream>
+#include <string>
+
+namespace {
+
+/// Keeps the environment from ending or damaging a run. Whoever reads the report may stop reading,
+/// and a file may hit its size limit: neither is a reason to die. A standard stream that the caller
+/// closed would lend its number to the next file, and the report would end up in there.
+void shieldFromEnvironment() {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    for (const int stream : {0, 1, 2}) {
+        if (fcntl(stream, F_GETFD) == -1) open("/dev/null", O_RDWR);
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    shieldFromEnvironment();
+    if (argc < 4) {
+        std::cerr << "Usage : tervoxal NetworkFile FormulaFile PathLen\n";
+        return 1;
+    }
+    const std::string networkFile = argv[1];
+    const std::string formulaFile = argv[2];
+    const std::string pathLen = argv[3];
+    const int k = static_cast<int>(std::strtol(pathLen.c_str(), nullptr, 10));
+    if (k <= 0) {
+        std::cerr << "Length of path should be > 0\n";
+        return 2;
+    }
+
+    const unsigned int freeMemory = getfreemem();
+    const std::clock_t start = std::clock();
+    std::cout << freeMemory << " bytes memory\n" << std::flush;
+
+    NetTimedModel model;
+    model.readNetwork(networkFile);
+    model.compNrOfBits(k);
+    std::cout << "Nodes: " << model.verts.size() << '\n';
+    std::cout << "Edges: " << model.edges.size() << '\n';
+    model.readFormula(formulaFile);
+    std::cout << "Formula is read\n";
+
+    EctlTransl translator(model, k);
+    translator.checkEctlFormula(networkFile + "k" + pathLen);
+
+    std::cout << '\n';
+    const double seconds = static_cast<double>(std::clock() - start) / 1000000.0;
+    std::cout.precision(4);
+    std::cout << seconds << '\n';
+    const unsigned int memoryUsed = freeMemory - getfreemem();
+    std::cout << "Memory used by Tervoxal : " << memoryUsed * 9.5367431640625e-07 << " Mb\n";
+
+    std::ofstream timeFile("tervoxaltime.out", std::ios::app);
+    if (!timeFile.is_open()) {
+        std::cout << "Nie mozna otworzyc pliku tervoxaltime.out\n";
+        return 1;
+    }
+    timeFile.precision(4);
+    timeFile << seconds << '\n';
+    return 0;
+}

@@ -1,0 +1,414 @@
+#include "ntamodel.h"
+
+#include <algorithm>
+#include <array>
+#include <bitset>
+#include <cassert>
+#include <charconv>
+#include <cstdlib>
+#include <iostream>
+#include <numeric>
+#include <string_view>
+
+void error(const std::string& message) {
+    std::cerr << message << std::endl;
+    std::exit(1);
+}
+
+namespace {
+
+std::ifstream openInput(const std::string& name) {
+    std::ifstream in(name);
+    if (!in) error("Nie moge otworzyc pliku " + name);
+    return in;
+}
+
+/// The next line that is neither empty nor a comment, false at the end of the file.
+bool nextLine(std::istream& in, std::string& line) {
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.front() != '#') return true;
+    }
+    return false;
+}
+
+/// Reads the numbers of one line as formatted extraction would, and ends the process on those that
+/// have no meaning in a network.
+class Fields {
+public:
+    Fields(const std::string& line, int automaton)
+        : at(line.data()), end(at + line.size()), automaton(automaton) {}
+
+    void skipWord() {
+        skipBlanks();
+        while (at != end && !isBlank(*at)) ++at;
+    }
+
+    /// The next number, false if what comes next is no number.
+    bool number(uint& n, std::string_view what) {
+        skipBlanks();
+        const bool sign = at != end && (*at == '+' || *at == '-');
+        const char* const digits = sign ? at + 1 : at;
+        int magnitude = 0;
+        const auto parsed = std::from_chars(digits, end, magnitude);
+        if (digits == end || *digits == '-' || parsed.ec == std::errc::invalid_argument) return false;
+        if (parsed.ec != std::errc()) refuse(what, "is out of range");
+        if (magnitude != 0 && *at == '-') refuse(what, "is negative");
+        at = parsed.ptr;
+        n = static_cast<uint>(magnitude);
+        return true;
+    }
+
+    uint requiredNumber(std::string_view what) {
+        uint n = 0;
+        if (!number(n, what)) refuse(what, "is missing");
+        return n;
+    }
+
+private:
+    static bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+    void skipBlanks() {
+        while (at != end && isBlank(*at)) ++at;
+    }
+    [[noreturn]] void refuse(std::string_view what, std::string_view fault) const {
+        error("automaton " + std::to_string(automaton) + ": " + std::string(what) + " " +
+              std::string(fault));
+    }
+
+    const char* at;
+    const char* end;
+    int automaton;
+};
+
+/// What one automaton of the file declares, in the order of the file.
+struct Section {
+    std::vector<uint> locations;
+    std::vector<std::array<uint, 3>> transitions; // action, source, target
+    std::vector<std::array<uint, 2>> values;      // location, proposition
+    uint locationsNamed = 0;                      // all that valuation lines name lie below
+};
+
+template <class T> void sortUnique(std::vector<T>& v) {
+    if (!std::is_sorted(v.begin(), v.end())) std::sort(v.begin(), v.end());
+    v.erase(std::unique(v.begin(), v.end()), v.end());
+}
+
+/// Why the section is no well-formed automaton, empty if it is one. Expects sorted locations.
+std::string fault(const Section& section) {
+    const auto undeclared = [](uint location) {
+        return "location " + std::to_string(location) + " is not declared";
+    };
+    if (section.locations.empty()) return "no location is declared";
+    const auto count = static_cast<uint>(section.locations.size());
+    for (uint l = 0; l < count; ++l) {
+        if (section.locations[l] != l) return undeclared(l);
+    }
+    for (const auto& [action, source, target] : section.transitions) {
+        if (std::max(source, target) >= count) return undeclared(std::max(source, target));
+    }
+    if (section.locationsNamed > count) return undeclared(section.locationsNamed - 1);
+    return {};
+}
+
+/// Enters a section as the latest automaton. Sorted once, so that each entry of the model's tables
+/// goes to their end.
+void enter(NetTimedModel& model, Section& section) {
+    const auto n = static_cast<uint>(model.nrOfAutomata);
+    sortUnique(section.locations);
+    const std::string why = fault(section);
+    if (!why.empty()) error("automaton " + std::to_string(n) + ": " + why);
+
+    for (const uint l : section.locations) {
+        model.verts.emplace_hint(model.verts.end(), std::pair(n, l), Vertex());
+    }
+    sortUnique(section.transitions);
+    std::set<NetTimedModel::Move>* moves = nullptr;
+    uint latest = 0;
+    for (const auto& [action, source, target] : section.transitions) {
+        const NetTimedModel::LocalAction local(n, action);
+        const NetTimedModel::Move move(source, target);
+        if (moves == nullptr || action != latest) {
+            std::set<uint>& automata = model.actionAutomata[action];
+            automata.insert(automata.end(), n);
+            moves = &model.actionEdges.try_emplace(model.actionEdges.end(), local)->second;
+            latest = action;
+        }
+        model.edges.emplace_hint(model.edges.end(), std::pair(local, move), Edge());
+        moves->insert(moves->end(), move);
+    }
+    sortUnique(section.values);
+    for (const auto& [location, prop] : section.values) {
+        model.valuation.emplace_hint(model.valuation.end(), std::pair(n, location), prop);
+    }
+}
+
+} // namespace
+
+void NetTimedModel::readNetwork(std::string name) {
+    std::ifstream in = openInput(name.append(".in"));
+    std::string heading;
+    if (!nextLine(in, heading)) error("network: end of file before the heading");
+    while (readAutomaton(in)) {}
+}
+
+bool NetTimedModel::readAutomaton(std::ifstream& in) {
+    std::string line;
+    if (!nextLine(in, line)) error("network: end of file before the closing line");
+    if (line.starts_with("end")) return false;
+
+    const int n = nrOfAutomata + 1;
+    const auto next = [&] {
+        if (!nextLine(in, line)) {
+            error("automaton " + std::to_string(n) + ": end of file before the closing line");
+        }
+    };
+    next();
+    std::cout << "wczytywanie automatu\n";
+    nrOfAutomata = n;
+
+    Section section;
+    while (!line.starts_with("valuation")) {
+        Fields fields(line, n);
+        fields.skipWord();
+        if (line.starts_with("location")) {
+            section.locations.push_back(fields.requiredNumber("location number"));
+            next();
+            if (!line.starts_with("end")) error("location error");
+        } else if (line.starts_with("transition")) {
+            const uint source = fields.requiredNumber("source location");
+            const uint target = fields.requiredNumber("target location");
+            uint action = 0;
+            fields.number(action, "action number");
+            section.transitions.push_back({action, source, target});
+            next();
+            if (line != "end") error("transition error");
+        } else {
+            error("description error");
+        }
+        next();
+    }
+
+    std::cout << "wczytywanie wartosciowania\n";
+    for (next(); !line.starts_with("end"); next()) {
+        Fields fields(line, n);
+        uint location = 0;
+        if (!fields.number(location, "location number")) continue;
+        section.locationsNamed = std::max(section.locationsNamed, location + 1);
+        uint prop = 0;
+        while (fields.number(prop, "proposition number")) section.values.push_back({location, prop});
+    }
+    next();
+    if (!line.starts_with("end")) error("end expected");
+    enter(*this, section);
+    return true;
+}
+
+void NetTimedModel::readFormula(std::string name) {
+    std::ifstream in = openInput(name.append(".in"));
+    std::string line;
+    if (!nextLine(in, line)) error("formula: end of file before the formula");
+    form = std::make_unique<EctlForm>(line);
+}
+
+void NetTimedModel::compNrOfBits(int /*k*/) {
+    totalNrVertBits = 0;
+    nrOfBits.assign(static_cast<std::size_t>(nrOfAutomata) + 1, 0);
+    bitShift = nrOfBits;
+    for (const auto& [location, vertex] : verts) ++nrOfBits[location.first];
+    for (std::size_t a = 1; a < nrOfBits.size(); ++a) {
+        int count = 0;
+        for (long power = 1; power < nrOfBits[a]; power *= 2) ++count;
+        nrOfBits[a] = count;
+        bitShift[a] = nrOfBits[a - 1] + bitShift[a - 1];
+        totalNrVertBits += count;
+    }
+    layOutSteps();
+    carriers.clear();
+    for (const auto& [location, prop] : valuation) carriers[prop].push_back(location);
+}
+
+void NetTimedModel::layOutSteps() {
+    steps = Steps();
+    std::vector<uint> partOf(nrOfBits.size());
+    for (std::size_t a = 1; a < nrOfBits.size(); ++a) {
+        if (nrOfBits[a] == 0) continue;
+        partOf[a] = static_cast<uint>(steps.parts.size());
+        steps.parts.push_back({bitShift[a], nrOfBits[a]});
+    }
+
+    constexpr uint none = -1;
+    std::vector<std::vector<uint>> indices(nrOfBits.size()); // of each automaton's locations
+    const auto indexOf = [&](uint a, uint l) {
+        std::vector<uint>& index = indices[a];
+        if (l >= index.size()) index.resize(l + 1, none);
+        if (index[l] == none) {
+            index[l] = static_cast<uint>(steps.locations.size());
+            steps.locations.emplace_back(a, l);
+        }
+        return index[l];
+    };
+    std::vector<std::vector<uint>> owners; // of each action: its parts
+    for (const auto& [action, automata] : actionAutomata) {
+        std::vector<uint> parts;
+        for (const uint a : automata) {
+            if (nrOfBits[a] == 0) continue;
+            for (const auto& [source, target] : actionEdges.at({a, action})) {
+                const uint from = indexOf(a, source);
+                steps.moves.emplace_back(from, indexOf(a, target));
+            }
+            steps.shares.push_back(static_cast<uint>(steps.moves.size()));
+            parts.push_back(partOf[a]);
+        }
+        // Actions without a share are alike. At the head of the disjunction they fold into one.
+        if (steps.shares.empty() && !steps.actions.empty()) continue;
+        steps.actions.push_back({static_cast<uint>(steps.shares.size()), 0});
+        owners.push_back(std::move(parts));
+    }
+    layOutFrames(owners);
+}
+
+void NetTimedModel::layOutFrames(const std::vector<std::vector<uint>>& owners) {
+    // In the order of their owners, each condition shares its longest common beginning with the one
+    // before it. An end mark behind the last part keeps that true where one list begins another.
+    const auto count = static_cast<uint>(steps.parts.size());
+    std::vector<std::size_t> order(owners.size());
+    std::iota(order.begin(), order.end(), 0);
+    const auto owner = [&](std::size_t action, std::size_t i) {
+        return i < owners[action].size() ? owners[action][i] : count;
+    };
+    const auto firstDifference = [&](std::size_t x, std::size_t y) {
+        std::size_t i = 0;
+        while (owner(x, i) == owner(y, i) && owner(x, i) != count) ++i;
+        return i;
+    };
+    std::sort(order.begin(), order.end(), [&](std::size_t x, std::size_t y) {
+        const std::size_t i = firstDifference(x, y);
+        return owner(x, i) < owner(y, i);
+    });
+
+    steps.frames.push_back({0, 0});
+    std::vector<uint> after(count + 1U); // the condition over the parts below an index
+    std::size_t before = owners.size();
+    for (const std::size_t action : order) {
+        std::size_t i = 0;
+        uint part = 0;
+        if (before != owners.size()) {
+            i = firstDifference(before, action);
+            part = std::min(owner(before, i), owner(action, i));
+        }
+        for (; part < count; ++part) {
+            after[part + 1] = after[part];
+            if (owner(action, i) == part) {
+                ++i;
+            } else {
+                steps.frames.push_back({after[part], part});
+                after[part + 1] = static_cast<uint>(steps.frames.size() - 1);
+            }
+        }
+        steps.actions[action].frame = after[count];
+        before = action;
+    }
+}
+
+int NetTimedModel::getSymStateLen(int /*pos*/) const { return totalNrVertBits; }
+
+SymState NetTimedModel::genSymState(int start, int pos) const {
+    return {totalNrVertBits, start, pos};
+}
+
+BoolForm NetTimedModel::bef(int a, int l, const BoolFormVect& loc) const {
+    assert(loc.size() == totalNrVertBits);
+    const int shift = bitShift[static_cast<std::size_t>(a)];
+    BoolForm r(true);
+    for (int i = 0; i < nrOfBits[static_cast<std::size_t>(a)]; ++i) {
+        const BoolForm b = loc[shift + i];
+        r = con(r, (l >> i & 1) != 0 ? b : neg(b));
+    }
+    return r;
+}
+
+BoolFormVect NetTimedModel::bev(int value, int shift) const {
+    return {totalNrVertBits, std::bitset<2048>(static_cast<uint>(value)), shift};
+}
+
+BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
+    // False marks what is not built yet: none of these formulas over distinct variables is false.
+    std::vector<BoolForm> sources(steps.locations.size(), BoolForm(false));
+    std::vector<BoolForm> targets = sources;
+    std::vector<BoolForm> equals(steps.parts.size(), BoolForm(false));
+    std::vector<BoolForm> frames(steps.frames.size(), BoolForm(false));
+    const BoolForm unknown(false);
+
+    const auto locationIn = [&](std::vector<BoolForm>& known, uint index, const SymState& s) {
+        if (known[index] == unknown) {
+            const auto& [a, l] = steps.locations[index];
+            known[index] = bef(static_cast<int>(a), static_cast<int>(l), s.loc);
+        }
+        return known[index];
+    };
+    std::vector<uint> missing;
+    const auto stay = [&](uint frame) {
+        for (uint f = frame; frames[f] == unknown; f = steps.frames[f].parent) missing.push_back(f);
+        while (!missing.empty()) {
+            const auto [parent, part] = steps.frames[missing.back()];
+            if (equals[part] == unknown) {
+                equals[part] = eq(s1.loc, s2.loc, steps.parts[part].shift, steps.parts[part].bits);
+            }
+            frames[missing.back()] = con(frames[parent], equals[part]);
+            missing.pop_back();
+        }
+        return frames[frame];
+    };
+
+    frames[0] = BoolForm(true);
+    BoolForm result(false);
+    uint share = 0;
+    uint m = 0;
+    for (const Steps::Action& action : steps.actions) {
+        BoolForm move(true);
+        for (; share < action.sharesEnd; ++share) {
+            BoolForm any(false);
+            for (; m < steps.shares[share]; ++m) {
+                const BoolForm target = locationIn(targets, steps.moves[m].second, s2);
+                const BoolForm source = locationIn(sources, steps.moves[m].first, s1);
+                any = dis(any, con(source, target));
+            }
+            move = con(move, any);
+        }
+        move = con(move, stay(action.frame));
+        result = dis(result, move);
+    }
+    return result;
+}
+
+BoolForm NetTimedModel::properInitState(int loc, const SymState& s) const {
+    BoolForm r(true);
+    for (int a = 1; a <= nrOfAutomata; ++a) r = con(r, bef(a, loc, s.loc));
+    return r;
+}
+
+BoolForm NetTimedModel::fI(int loc, const SymState& s) const { return properInitState(loc, s); }
+
+BoolForm NetTimedModel::fP(int prop, const SymState& s) const {
+    BoolForm r(false);
+    const auto carrying = carriers.find(static_cast<uint>(prop));
+    if (carrying == carriers.end()) return r;
+    for (const auto& [a, l] : carrying->second) {
+        r = dis(r, bef(static_cast<int>(a), static_cast<int>(l), s.loc));
+    }
+    return r;
+}
+
+BoolForm NetTimedModel::fT(const SymState& s1, const SymState& s2) const {
+    return actionSucc(0, s1, s2);
+}
+
+BoolForm NetTimedModel::fH(const SymState& s1, const SymState& s2) const {
+    return eq(s1.loc, s2.loc);
+}
+
+void NetTimedModel::showLCK(int k, int maxVar, std::string name) const {
+    std::ofstream out(name.append(".lck"));
+    out << nrOfAutomata << '\n';
+    for (int a = 1; a <= nrOfAutomata; ++a) out << nrOfBits[static_cast<std::size_t>(a)] << ' ';
+    out << '\n' << k << '\n' << maxVar << '\n';
+}

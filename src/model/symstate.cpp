@@ -1,0 +1,3 @@
+#include "symstate.h"
+
+SymState::SymState(int len, int start, int /*pos*/) : len(len), loc(len, start) {}

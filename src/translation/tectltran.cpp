@@ -1,0 +1,151 @@
+#include "tectltran.h"
+
+#include <algorithm>
+#include <ctime>
+#include <iostream>
+#include <map>
+
+namespace {
+
+constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
+
+/// Takes the last value off the stack.
+BoolForm pop(std::vector<BoolForm>& s) {
+    const BoolForm top = s.back();
+    s.pop_back();
+    return top;
+}
+
+std::size_t nodes() { return BoolForm::tv.size(); }
+
+} // namespace
+
+int EctlTransl::getStartNr(int i) const { return 1 + i * model.getSymStateLen(i); }
+
+SymState EctlTransl::genSymState(int i) const { return model.genSymState(getStartNr(i), i); }
+
+BoolForm EctlTransl::symbPath() {
+    const auto positions = static_cast<int>(std::min<long>(k + 1L, BoolForm::maxVariable));
+    states.reserve(static_cast<std::size_t>(positions));
+    for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
+
+    BoolForm path = model.properInitState(0, states[0]);
+    for (std::size_t i = 0; i + 1 < states.size(); ++i) {
+        const BoolForm step = model.actionSucc(static_cast<int>(i) + 1, states[i], states[i + 1]);
+        path = con(path, step);
+        if (model.totalNrVertBits == 0) break; // every step is the same constant
+    }
+    return path;
+}
+
+BoolForm EctlTransl::transl(const EctlForm& form) const {
+    BoolForm r(false);
+    for (std::size_t i = 0; i < states.size(); ++i) {
+        const BoolForm here = transl(form, static_cast<int>(i));
+        r = dis(r, here);
+        if (model.totalNrVertBits == 0) break; // the same constant at every position
+    }
+    std::cerr << "translation : " << nodes() << '\n';
+    return r;
+}
+
+BoolForm EctlTransl::transl(const EctlForm& form, int i) const {
+    const SymState& state = states[static_cast<std::size_t>(i)];
+    std::map<int, BoolForm> props; // each built once, however often the formula names it
+    const auto prop = [&](int nr) {
+        const auto [entry, first] = props.try_emplace(nr, false);
+        if (first) entry->second = model.fP(nr, state);
+        return entry->second;
+    };
+    std::vector<BoolForm> s;
+    for (const OnpNode& token : form.onp) {
+        switch (token.op) {
+        case OpTrue: s.emplace_back(true); break;
+        case OpVar: s.push_back(prop(token.varNr)); break;
+        case OpNegVar: s.push_back(neg(prop(token.varNr))); break;
+        case OpCon:
+        case OpDis: {
+            if (s.size() < 2) error("formula: an operator finds too few operands");
+            const BoolForm right = pop(s);
+            const BoolForm left = pop(s);
+            s.push_back(token.op == OpCon ? con(left, right) : dis(left, right));
+            break;
+        }
+        default: return BoolForm(false);
+        }
+    }
+    if (s.size() != 1) {
+        error("formula: " + std::to_string(s.size()) + " formulas in place of one");
+    }
+    return s.front();
+}
+
+BoolForm EctlTransl::transl(const Node* node, int i) const {
+    // Operators before operands, left before right; walked backwards, the right operand is built
+    // first and the operator last.
+    std::vector<const Node*> order;
+    std::vector<const Node*> open = {node};
+    while (!open.empty()) {
+        const Node* const n = open.back();
+        open.pop_back();
+        order.push_back(n);
+        if (n != nullptr && (n->op == OpCon || n->op == OpDis)) {
+            open.push_back(n->right);
+            open.push_back(n->left);
+        }
+    }
+
+    const SymState& state = states[static_cast<std::size_t>(i)];
+    std::vector<BoolForm> s;
+    for (auto n = order.rbegin(); n != order.rend(); ++n) {
+        switch (*n == nullptr ? OpNone : (*n)->op) {
+        case OpTrue: s.emplace_back(true); break;
+        case OpVar: s.push_back(model.fP((*n)->varNr, state)); break;
+        case OpNegVar: s.push_back(neg(model.fP((*n)->varNr, state))); break;
+        case OpCon:
+        case OpDis: {
+            const BoolForm left = pop(s);
+            const BoolForm right = pop(s);
+            s.push_back((*n)->op == OpCon ? con(left, right) : dis(left, right));
+            break;
+        }
+        default: s.emplace_back(false);
+        }
+    }
+    return s.front();
+}
+
+void EctlTransl::checkEctlFormula(std::string name) {
+    const long needed = (k + 1L) * model.totalNrVertBits;
+    if (needed > maxVariables) {
+        error("path needs " + std::to_string(needed) + " variables, the limit is " +
+              std::to_string(maxVariables));
+    }
+
+    const EctlForm form = *model.form;
+    const std::clock_t start = std::clock();
+    std::cerr << "Creating symbolic paths\n";
+    const BoolForm path = symbPath();
+    std::cerr << "End of symbolic path: " << nodes() << '\n';
+
+    std::cerr << "Translation\n";
+    BoolForm f = transl(form);
+    std::cerr << "End of translation: " << nodes() << '\n';
+
+    std::cout << "Conjunction: " << std::flush;
+    f = con(f, path);
+    std::cout << nodes() << '\n';
+
+    std::cerr << "Creating clauses ...";
+    std::vector<Clause> clauses = f.clauses();
+    std::cerr << clauses.size() << '\n';
+
+    std::cerr << "Writing down clauses ";
+    showCNF(clauses, name);
+    model.showLCK(k, maxCNFOrgVarNr(clauses), name);
+    clauses.clear();
+    std::cerr << '\n';
+
+    std::cerr.precision(4);
+    std::cerr << "Time consumed : " << static_cast<double>(std::clock() - start) / 1000000.0 << '\n';
+}
