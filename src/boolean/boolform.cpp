@@ -17,9 +17,7 @@ bool isFalse(const BoolForm& a) { return a.nr == 0; }
 
 bool isNode(int nr) { return nr >= firstNode; }
 
-const Triple& triple(int node) {
-    return BoolForm::tv[static_cast<std::size_t>(node) - firstNode];
-}
+const Triple& triple(int node) { return BoolForm::tv[static_cast<std::size_t>(node) - firstNode]; }
 
 /// The formula of any number of the number space, where the constructor takes variables only.
 BoolForm formula(int nr) {
@@ -31,23 +29,29 @@ BoolForm formula(int nr) {
 // The clauses of each gate, each written once. The sink takes one Clause at a time.
 
 // x
-template <class Sink> void unitClauses(int x, Sink&& sink) { sink(Clause(x, 0, 0)); }
+template <class Sink>
+void unitClauses(int x, Sink&& sink) {
+    sink(Clause(x, 0, 0));
+}
 
 // x = !y
-template <class Sink> void negClauses(int x, int y, Sink&& sink) {
+template <class Sink>
+void negClauses(int x, int y, Sink&& sink) {
     sink(Clause(x, y, 0));
     sink(Clause(-x, -y, 0));
 }
 
 // z = x & y
-template <class Sink> void conClauses(int x, int y, int z, Sink&& sink) {
+template <class Sink>
+void conClauses(int x, int y, int z, Sink&& sink) {
     sink(Clause(-z, x, 0));
     sink(Clause(-z, y, 0));
     sink(Clause(-x, -y, z));
 }
 
 // z = (x = y)
-template <class Sink> void equClauses(int x, int y, int z, Sink&& sink) {
+template <class Sink>
+void equClauses(int x, int y, int z, Sink&& sink) {
     sink(Clause(-z, -x, y));
     sink(Clause(-z, -y, x));
     sink(Clause(x, y, z));
@@ -140,7 +144,9 @@ BoolForm notequ(const BoolForm& a, const BoolForm& b) { return neg(equ(a, b)); }
 
 BoolForm value(const BoolForm& a, int v, bool b) {
     std::map<int, BoolForm> values; // of the composed nodes done so far
-    const auto known = [&](int nr) { return !isNode(std::abs(nr)) || values.contains(std::abs(nr)); };
+    const auto known = [&](int nr) {
+        return !isNode(std::abs(nr)) || values.contains(std::abs(nr));
+    };
     const auto valueOf = [&](int nr) {
         const BoolForm atom = std::abs(nr) == v ? BoolForm(b) : formula(std::abs(nr));
         const BoolForm r = isNode(std::abs(nr)) ? values.at(std::abs(nr)) : atom;
@@ -278,7 +284,8 @@ public:
         while (*word != 0) put(*word++);
     }
     void put(char c) { block[used++] = c; }
-    template <class Number> void number(Number n) {
+    template <class Number>
+    void number(Number n) {
         char* const begin = block.data() + used;
         used += static_cast<std::size_t>(std::to_chars(begin, begin + lineSize, n).ptr - begin);
     }
@@ -300,7 +307,8 @@ private:
     std::size_t used = 0;
 };
 
-template <class Clauses> void write(const Clauses& cs, const std::string& file, int shift) {
+template <class Clauses>
+void write(const Clauses& cs, const std::string& file, int shift) {
     BlockWriter out(file);
     out.text("p cnf ");
     out.number(fileNr(maxCNFVarNr(cs), shift));
@@ -320,7 +328,8 @@ template <class Clauses> void write(const Clauses& cs, const std::string& file, 
 
 } // namespace
 
-template <class Clauses> int maxCNFVarNr(const Clauses& cs) {
+template <class Clauses>
+int maxCNFVarNr(const Clauses& cs) {
     int largest = 0;
     for (const Clause& c : cs) {
         for (const int literal : {c.l1, c.l2, c.l3}) largest = std::max(largest, std::abs(literal));
@@ -328,7 +337,8 @@ template <class Clauses> int maxCNFVarNr(const Clauses& cs) {
     return largest;
 }
 
-template <class Clauses> int maxCNFOrgVarNr(const Clauses& cs) {
+template <class Clauses>
+int maxCNFOrgVarNr(const Clauses& cs) {
     int largest = 0;
     for (const Clause& c : cs) {
         for (const int literal : {c.l1, c.l2, c.l3}) {
@@ -339,11 +349,15 @@ template <class Clauses> int maxCNFOrgVarNr(const Clauses& cs) {
     return largest;
 }
 
-template <class Clauses> void showCNF(const Clauses& cs, std::string name) {
+template <class Clauses>
+void showCNF(const Clauses& cs, std::string name) {
     write(cs, name.append(".cnf"), BoolForm::maxVariable - maxCNFOrgVarNr(cs));
 }
 
-template <class Clauses> void showCNF(const Clauses& cs) { write(cs, "test.cnf", 0); }
+template <class Clauses>
+void showCNF(const Clauses& cs) {
+    write(cs, "test.cnf", 0);
+}
 
 int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v) {
     const int shift = BoolForm::maxVariable - maxCNFOrgVarNr(cs);

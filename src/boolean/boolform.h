@@ -77,12 +77,14 @@ inline bool operator==(const Clause& a, const Clause& b) {
 }
 
 /// Hands out memory from blocks that are never given back, for containers that only grow.
-template <class T> class BlockAllocator {
+template <class T>
+class BlockAllocator {
 public:
     using value_type = T;
 
     BlockAllocator() = default;
-    template <class U> explicit(false) BlockAllocator(const BlockAllocator<U>& /*other*/) {}
+    template <class U>
+    explicit(false) BlockAllocator(const BlockAllocator<U>& /*other*/) {}
 
     T* allocate(std::size_t count);
     void deallocate(T* /*memory*/, std::size_t /*count*/) {}
@@ -158,18 +160,23 @@ public:
 // without repeats, a std::set<Clause> or a std::vector<Clause>.
 
 /// The largest absolute value of any literal, 0 if there is none.
-template <class Clauses> [[nodiscard]] int maxCNFVarNr(const Clauses& cs);
+template <class Clauses>
+[[nodiscard]] int maxCNFVarNr(const Clauses& cs);
 /// The largest variable that occurs, 0 if there is none.
-template <class Clauses> [[nodiscard]] int maxCNFOrgVarNr(const Clauses& cs);
+template <class Clauses>
+[[nodiscard]] int maxCNFOrgVarNr(const Clauses& cs);
 /// Writes cs to name + ".cnf", renumbered. A file that cannot be written is not reported.
-template <class Clauses> void showCNF(const Clauses& cs, std::string name);
+template <class Clauses>
+void showCNF(const Clauses& cs, std::string name);
 /// Writes cs to "test.cnf" in the current directory with the numbers of the store.
-template <class Clauses> void showCNF(const Clauses& cs);
+template <class Clauses>
+void showCNF(const Clauses& cs);
 /// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute
 /// value among them, 0 if there is none.
 int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v);
 
-template <class T> T* BlockAllocator<T>::allocate(std::size_t count) {
+template <class T>
+T* BlockAllocator<T>::allocate(std::size_t count) {
     // One block of 4096 nodes in place of 4096 calls of operator new.
     static constexpr std::size_t blockSize = 4096;
     static T* next = nullptr;

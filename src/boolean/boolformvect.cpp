@@ -15,7 +15,8 @@ int lengthOf(std::bitset<2048> bs) {
 void setBits(BoolFormVect& v, const std::bitset<2048>& bs, int shift) {
     for (int i = 0; i + shift < v.len; ++i) {
         const auto bit = static_cast<std::size_t>(i);
-        if (bit < bs.size() && bs[bit]) v.bits[bit + static_cast<std::size_t>(shift)] = BoolForm(true);
+        if (bit < bs.size() && bs[bit])
+            v.bits[bit + static_cast<std::size_t>(shift)] = BoolForm(true);
     }
 }
 

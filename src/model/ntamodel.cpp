@@ -50,7 +50,8 @@ public:
         const char* const digits = sign ? at + 1 : at;
         int magnitude = 0;
         const auto parsed = std::from_chars(digits, end, magnitude);
-        if (digits == end || *digits == '-' || parsed.ec == std::errc::invalid_argument) return false;
+        if (digits == end || *digits == '-' || parsed.ec == std::errc::invalid_argument)
+            return false;
         if (parsed.ec != std::errc()) refuse(what, "is out of range");
         if (magnitude != 0 && *at == '-') refuse(what, "is negative");
         at = parsed.ptr;
@@ -87,7 +88,8 @@ struct Section {
     uint locationsNamed = 0;                      // all that valuation lines name lie below
 };
 
-template <class T> void sortUnique(std::vector<T>& v) {
+template <class T>
+void sortUnique(std::vector<T>& v) {
     if (!std::is_sorted(v.begin(), v.end())) std::sort(v.begin(), v.end());
     v.erase(std::unique(v.begin(), v.end()), v.end());
 }
@@ -147,7 +149,8 @@ void NetTimedModel::readNetwork(std::string name) {
     std::ifstream in = openInput(name.append(".in"));
     std::string heading;
     if (!nextLine(in, heading)) error("network: end of file before the heading");
-    while (readAutomaton(in)) {}
+    while (readAutomaton(in)) {
+    }
 }
 
 bool NetTimedModel::readAutomaton(std::ifstream& in) {
@@ -194,7 +197,8 @@ bool NetTimedModel::readAutomaton(std::ifstream& in) {
         if (!fields.number(location, "location number")) continue;
         section.locationsNamed = std::max(section.locationsNamed, location + 1);
         uint prop = 0;
-        while (fields.number(prop, "proposition number")) section.values.push_back({location, prop});
+        while (fields.number(prop, "proposition number"))
+            section.values.push_back({location, prop});
     }
     next();
     if (!line.starts_with("end")) error("end expected");

@@ -62,8 +62,8 @@ public:
     /// The state on the variables from start upward.
     [[nodiscard]] SymState genSymState(int start, int pos) const;
 
-    /// Automaton a, from 1 to nrOfAutomata, is in location l in the state of bits loc. Precondition,
-    /// asserted: loc has totalNrVertBits bits.
+    /// Automaton a, from 1 to nrOfAutomata, is in location l in the state of bits loc.
+    /// Precondition, asserted: loc has totalNrVertBits bits.
     [[nodiscard]] BoolForm bef(int a, int l, const BoolFormVect& loc) const;
     /// A state of constant bits that hold value from index shift upward. Precondition, asserted:
     /// the number fits into totalNrVertBits.
@@ -87,8 +87,8 @@ public:
     /// cannot be written is not reported.
     void showLCK(int k, int maxVar, std::string name) const;
 
-    using Location = std::pair<uint, uint>;   // (automaton, location)
-    using Move = std::pair<uint, uint>;       // (source, target)
+    using Location = std::pair<uint, uint>;    // (automaton, location)
+    using Move = std::pair<uint, uint>;        // (source, target)
     using LocalAction = std::pair<uint, uint>; // (automaton, action)
 
     int nrOfAutomata = 0;
@@ -127,7 +127,7 @@ private:
         std::vector<Part> parts;
         std::vector<Location> locations;          // that occur in moves
         std::vector<std::pair<uint, uint>> moves; // source and target, indices of locations
-        std::vector<uint> shares;                 // of an automaton in an action: the end of its moves
+        std::vector<uint> shares; // of an automaton in an action: the end of its moves
         std::vector<Action> actions;
         std::vector<Frame> frames;
     };

@@ -61,7 +61,8 @@ Token tokenAt(std::string_view text, std::size_t position) {
     if (isVar(token.op)) {
         const std::size_t digits = length;
         length = std::min(rest.find_first_not_of("0123456789", digits), rest.size());
-        const auto parsed = std::from_chars(rest.data() + digits, rest.data() + length, token.varNr);
+        const auto parsed =
+            std::from_chars(rest.data() + digits, rest.data() + length, token.varNr);
         token.inRange = parsed.ec != std::errc::result_out_of_range;
     }
     token.text = rest.substr(0, length);
@@ -69,7 +70,8 @@ Token tokenAt(std::string_view text, std::size_t position) {
 }
 
 /// Calls use for each token of a formula's own text.
-template <class Use> void forEachToken(const std::string& text, Use&& use) {
+template <class Use>
+void forEachToken(const std::string& text, Use&& use) {
     for (std::size_t position = 0; position < text.size();) {
         const Token token = tokenAt(text, position);
         if (token.op != OpNone) use(token);
@@ -91,7 +93,8 @@ std::string quoted(char c) {
 
 /// The nodes of a tree in prefix order, so every operand stands behind its operator. Walked
 /// backwards, the operands of an operator come right before left and both before it.
-template <class NodePointer> std::vector<NodePointer> prefixOrder(NodePointer root) {
+template <class NodePointer>
+std::vector<NodePointer> prefixOrder(NodePointer root) {
     std::vector<NodePointer> order;
     std::vector<NodePointer> open;
     if (root != nullptr) open.push_back(root);
@@ -126,7 +129,8 @@ void EctlForm::split(const std::string& text) {
     for (std::size_t position = 0; position < text.size();) {
         const Token token = tokenAt(text, position);
         if (token.op == OpNone) {
-            if (text[position] != 'E') refuse(position, quoted(text[position]) + " starts no token");
+            if (text[position] != 'E')
+                refuse(position, quoted(text[position]) + " starts no token");
             ++position;
             continue;
         }

@@ -20,19 +20,7 @@
 #include <string>
 #include <vector>
 
-enum EctlOper : int {
-    OpTrue,
-    OpVar,
-    OpNegVar,
-    OpCon,
-    OpDis,
-    OpEG,
-    OpEX,
-    OpEU,
-    OpEF,
-    OpEK,
-    OpNone
-};
+enum EctlOper : int { OpTrue, OpVar, OpNegVar, OpCon, OpDis, OpEG, OpEX, OpEU, OpEF, OpEK, OpNone };
 
 /// The operator that the text begins with, OpNone if none.
 [[nodiscard]] EctlOper oper(const std::string& text);

@@ -147,5 +147,6 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cerr << '\n';
 
     std::cerr.precision(4);
-    std::cerr << "Time consumed : " << static_cast<double>(std::clock() - start) / 1000000.0 << '\n';
+    std::cerr << "Time consumed : " << static_cast<double>(std::clock() - start) / 1000000.0
+              << '\n';
 }

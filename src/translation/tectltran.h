@@ -45,7 +45,7 @@ public:
 
     int k;
     const NetTimedModel& model;
-    /// One entry for each position, from symbPath on. Without bits all states are equal and k has no
-    /// limit: then no more than a million of them are kept.
+    /// One entry for each position, from symbPath on. Without bits all states are equal and k has
+    /// no limit: then no more than a million of them are kept.
     std::vector<SymState> states;
 };

@@ -1,0 +1,109 @@
+#include "tectltran.h"
+
+#include "store.h"
+#include "support.h"
+
+namespace {
+
+class Translation : public testing::Test {
+protected:
+    Translation() {
+        const Scratch dir;
+        dir.write("net.in", twoProcesses);
+        testing::internal::CaptureStdout();
+        model.readNetwork(dir.path / "net");
+        testing::internal::GetCapturedStdout();
+        model.compNrOfBits(2);
+        emptyStore();
+    }
+    BoolForm tree(const EctlTransl& t, const std::string& text) const {
+        const EctlForm form(text);
+        Node* const root = form.buildTree();
+        const BoolForm f = t.transl(root, 1);
+        form.destroyTree(root);
+        return f;
+    }
+    NetTimedModel model;
+};
+
+TEST_F(Translation, positionsOwnConsecutiveVariables) {
+    EctlTransl t(model, 2);
+    EXPECT_TRUE(t.states.empty());
+    (void)t.symbPath();
+    ASSERT_EQ(t.states.size(), 3U);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(t.getStartNr(i), 1 + 3 * i);
+        EXPECT_EQ(t.states[static_cast<std::size_t>(i)].loc, BoolFormVect(3, 1 + 3 * i));
+    }
+    EXPECT_EQ(BoolForm::tv.size(), 44U);
+}
+
+TEST_F(Translation, readsEachPropositionAtItsPosition) {
+    EctlTransl t(model, 2);
+    (void)t.symbPath();
+    const BoolForm p3 = BoolForm(4);                          // automaton 1 in location 1
+    const BoolForm p4 = con(neg(BoolForm(5)), BoolForm(6)); // automaton 2 in location 2
+    const struct {
+        const char* text;
+        BoolForm list, tree;
+    } rows[] = {
+        {"T", BoolForm(true), BoolForm(true)},
+        {"p3", p3, p3},
+        {"p-3", neg(p3), neg(p3)},
+        {"p9", BoolForm(false), BoolForm(false)},
+        {"p3p4&", con(p3, p4), con(p3, p4)},
+        {"p3p-4+p1&", con(dis(p3, neg(p4)), neg(p3)), con(dis(p3, neg(p4)), neg(p3))},
+        {"p3p-3&", BoolForm(false), BoolForm(false)},
+        {"p3p4EF+", BoolForm(false), p3},
+        {"p3EXT+", BoolForm(false), BoolForm(true)},
+        {"Tp4EU", BoolForm(false), BoolForm(false)},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(t.transl(EctlForm(row.text), 1), row.list);
+        EXPECT_EQ(tree(t, row.text), row.tree);
+    }
+    // the tree builds right operands first, and nothing below a temporal operator
+    const std::size_t nodes = BoolForm::tv.size();
+    EXPECT_EQ(tree(t, "p2p4&p1p4&+p1p4&EX+").nr, -(1000000 + static_cast<int>(nodes) + 2));
+    EXPECT_EQ(BoolForm::tv[nodes].left, -4);
+    EXPECT_EQ(t.transl(EctlForm("E").buildTree(), 1), BoolForm(false));
+    emptyStore();
+    EXPECT_EQ(tree(t, "p4p4p1&EX+").nr, 1000001);
+    EXPECT_EQ(t.transl(dis(EctlForm("p3"), EctlForm("p4")), 1), dis(p3, BoolForm(1000001)));
+}
+
+TEST_F(Translation, treesOfAMillionOperators) {
+    EctlTransl t(model, 1);
+    (void)t.symbPath();
+    std::string left = "p1";
+    std::string right;
+    for (int i = 0; i < 500000; ++i) {
+        left += "p4+p3&";
+        right += "p4p3";
+    }
+    right += "p1";
+    for (int i = 0; i < 500000; ++i) right += "&+";
+    EXPECT_EQ(tree(t, left), t.transl(EctlForm(left), 1));
+    EXPECT_EQ(tree(t, right), t.transl(EctlForm(right), 1));
+}
+
+TEST_F(Translation, refusesWhatIsNotOneFormula) {
+    EctlTransl t(model, 1);
+    (void)t.symbPath();
+    const struct {
+        EctlForm form;
+        const char* message;
+    } rows[] = {
+        {EctlForm("p1p2"), "formula: 2 formulas in place of one"},
+        {EctlForm("p1p2p3&"), "formula: 2 formulas in place of one"},
+        {EctlForm("E"), "formula: 0 formulas in place of one"},
+        {dis(EctlForm("E"), EctlForm("p1")), "formula: an operator finds too few operands"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EXIT((void)t.transl(row.form), testing::ExitedWithCode(1),
+                    std::string("^") + row.message + "\n$");
+    }
+}
+
+} // namespace
