@@ -50,7 +50,8 @@ TEST(NetworkReader, takesWhatIsNoError) {
     } rows[] = {
         {"end\nend\n", 0, 0, 0, 0},
         {"# comment\n\n network\nend of it, no newline", 0, 0, 0, 0},
-        {"network\nautomaton\nlocation 0\nend x\nvaluation x\nend x\nend\r\nendless\nrest", 1, 0, 0, 0},
+        {"network\nautomaton\nlocation 0\nend x\nvaluation x\nend x\nend\r\nendless\nrest", 1, 0, 0,
+         0},
         {automaton("location 0\n#\n\nend\nlocation 0\nend\n"), 1, 0, 0, 0},
         {automaton("locations\t+1 x\nend\n" + zero), 2, 0, 0, 0},
         {automaton(zero + "transition 0 0\nend\ntransition 0 0 0\nend\n"), 1, 1, 0, 0},
@@ -66,7 +67,9 @@ TEST(NetworkReader, takesWhatIsNoError) {
         EXPECT_EQ(model.verts.size(), row.locations);
         EXPECT_EQ(model.edges.size(), row.edges);
         EXPECT_EQ(model.valuation.size(), row.values);
-        if (row.edges > 0) EXPECT_EQ(model.actionAutomata.rbegin()->first, row.action);
+        if (row.edges > 0) {
+            EXPECT_EQ(model.actionAutomata.rbegin()->first, row.action);
+        }
     }
 }
 
@@ -105,7 +108,8 @@ TEST(NetworkReaderDeathTest, refusesWithOneLine) {
         {automaton(zero, "0 1 -2\n"), "automaton 1: proposition number is negative"},
         {automaton(zero, "0 99999999999\n"), "automaton 1: proposition number is out of range"},
         {automaton(zero, "-1\n"), "automaton 1: location number is negative"},
-        {oneAutomaton.substr(0, oneAutomaton.size() - 4) + "a\n" + one + "valuation\nend\nend\nend\n",
+        {oneAutomaton.substr(0, oneAutomaton.size() - 4) + "a\n" + one +
+             "valuation\nend\nend\nend\n",
          "automaton 2: location 0 is not declared"},
     };
     for (const auto& row : rows) {
@@ -168,8 +172,10 @@ BoolForm plainStep(const NetTimedModel& model, const SymState& s1, const SymStat
         for (const uint a : automata) {
             BoolForm any(false);
             for (const auto& [from, to] : model.actionEdges.at({a, action})) {
-                const BoolForm target = model.bef(static_cast<int>(a), static_cast<int>(to), s2.loc);
-                const BoolForm source = model.bef(static_cast<int>(a), static_cast<int>(from), s1.loc);
+                const BoolForm target =
+                    model.bef(static_cast<int>(a), static_cast<int>(to), s2.loc);
+                const BoolForm source =
+                    model.bef(static_cast<int>(a), static_cast<int>(from), s1.loc);
                 any = dis(any, con(source, target));
             }
             move = con(move, any);
@@ -196,7 +202,8 @@ TEST(Step, createsTheNodesOfThePlainFormulaInTheirOrder) {
         for (uint a = 0; a < automata; ++a) {
             const uint locations = 1 + below(below(2) == 0 ? 2 : 7);
             text += "a\n";
-            for (uint l = 0; l < locations; ++l) text += "location " + std::to_string(l) + "\nend\n";
+            for (uint l = 0; l < locations; ++l)
+                text += "location " + std::to_string(l) + "\nend\n";
             for (uint m = below(9); m > 0; --m) {
                 text += "transition " + std::to_string(below(locations)) + " ";
                 text += std::to_string(below(locations)) + " ";
@@ -209,7 +216,7 @@ TEST(Step, createsTheNodesOfThePlainFormulaInTheirOrder) {
         const int bits = model.totalNrVertBits;
         std::vector<Triple> plain;
         for (BoolForm (*step)(const NetTimedModel&, const SymState&, const SymState&) :
-             {plainStep, +[](const NetTimedModel& m, const SymState& s1, const SymState& s2) {
+             {plainStep, +[](const NetTimedModel&m, const SymState&s1, const SymState&s2) {
                   return m.actionSucc(1, s1, s2);
               }}) {
             emptyStore();
@@ -235,10 +242,14 @@ TEST(Step, exampleNodes) {
     const SymState s2 = model.genSymState(3, 1);
     EXPECT_EQ(model.properInitState(0, s1).nr, 1000001);
     EXPECT_EQ(model.actionSucc(1, s1, s2).nr, -1000008);
-    const std::vector<Triple> triples = {
-        {bfCon, -2, -1},   {bfCon, -1, 3}, {bfEqu, 2, 4},  {bfCon, 1000002, 1000003},
-        {bfCon, -2, 4},    {bfEqu, 1, 3},  {bfCon, 1000005, 1000006},
-        {bfCon, -1000007, -1000004}};
+    const std::vector<Triple> triples = {{bfCon, -2, -1},
+                                         {bfCon, -1, 3},
+                                         {bfEqu, 2, 4},
+                                         {bfCon, 1000002, 1000003},
+                                         {bfCon, -2, 4},
+                                         {bfEqu, 1, 3},
+                                         {bfCon, 1000005, 1000006},
+                                         {bfCon, -1000007, -1000004}};
     EXPECT_EQ(BoolForm::tv, triples);
     EXPECT_EQ(model.fI(0, s1).nr, 1000001);
     EXPECT_EQ(model.fT(s1, s2).nr, -1000008);

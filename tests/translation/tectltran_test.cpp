@@ -41,7 +41,7 @@ TEST_F(Translation, positionsOwnConsecutiveVariables) {
 TEST_F(Translation, readsEachPropositionAtItsPosition) {
     EctlTransl t(model, 2);
     (void)t.symbPath();
-    const BoolForm p3 = BoolForm(4);                          // automaton 1 in location 1
+    const BoolForm p3 = BoolForm(4);                        // automaton 1 in location 1
     const BoolForm p4 = con(neg(BoolForm(5)), BoolForm(6)); // automaton 2 in location 2
     const struct {
         const char* text;
@@ -63,14 +63,21 @@ TEST_F(Translation, readsEachPropositionAtItsPosition) {
         EXPECT_EQ(t.transl(EctlForm(row.text), 1), row.list);
         EXPECT_EQ(tree(t, row.text), row.tree);
     }
-    // the tree builds right operands first, and nothing below a temporal operator
-    const std::size_t nodes = BoolForm::tv.size();
-    EXPECT_EQ(tree(t, "p2p4&p1p4&+p1p4&EX+").nr, -(1000000 + static_cast<int>(nodes) + 2));
-    EXPECT_EQ(BoolForm::tv[nodes].left, -4);
-    EXPECT_EQ(t.transl(EctlForm("E").buildTree(), 1), BoolForm(false));
+    EXPECT_EQ(t.transl(static_cast<Node*>(nullptr), 1), BoolForm(false));
+    EXPECT_EQ(tree(t, "p4p1EX&"), BoolForm(false));
+}
+
+TEST_F(Translation, treeBuildsRightOperandsFirstAndNothingBelowTemporalOperators) {
+    EctlTransl t(model, 2);
+    (void)t.symbPath();
+    const std::vector<Triple> list = {{bfCon, -5, 6}, {bfCon, 4, 1000001}, {bfCon, -4, 1000001}};
     emptyStore();
-    EXPECT_EQ(tree(t, "p4p4p1&EX+").nr, 1000001);
-    EXPECT_EQ(t.transl(dis(EctlForm("p3"), EctlForm("p4")), 1), dis(p3, BoolForm(1000001)));
+    (void)t.transl(EctlForm("p3p4&p1p4&+"), 1);
+    EXPECT_EQ(std::vector(BoolForm::tv.begin(), BoolForm::tv.begin() + 3), list);
+    emptyStore();
+    EXPECT_EQ(tree(t, "p3p4&p1p4&+p1p2&p4&EX+").nr, -1000004);
+    EXPECT_EQ(BoolForm::tv,
+              (std::vector<Triple>{list[0], list[2], list[1], {bfCon, -1000003, -1000002}}));
 }
 
 TEST_F(Translation, treesOfAMillionOperators) {
