@@ -232,6 +232,7 @@ void NetTimedModel::compNrOfBits(int /*k*/) {
 
 void NetTimedModel::layOutSteps() {
     steps = Steps();
+    steps.locations.push_back({0, 0});
     std::vector<uint> partOf(nrOfBits.size());
     for (std::size_t a = 1; a < nrOfBits.size(); ++a) {
         if (nrOfBits[a] == 0) continue;
@@ -239,16 +240,24 @@ void NetTimedModel::layOutSteps() {
         steps.parts.push_back({bitShift[a], nrOfBits[a]});
     }
 
-    constexpr uint none = -1;
-    std::vector<std::vector<uint>> indices(nrOfBits.size()); // of each automaton's locations
-    const auto indexOf = [&](uint a, uint l) {
-        std::vector<uint>& index = indices[a];
-        if (l >= index.size()) index.resize(l + 1, none);
-        if (index[l] == none) {
-            index[l] = static_cast<uint>(steps.locations.size());
-            steps.locations.emplace_back(a, l);
+    // The links of an automaton's location numbers by their lowest bits: those of i bits stand from
+    // index 2 to the power i upward. 0 is none.
+    std::vector<std::vector<uint>> linksOf(nrOfBits.size());
+    const auto linkOf = [&](uint a, uint l) {
+        std::vector<uint>& links = linksOf[a];
+        if (links.empty()) links.resize(std::size_t(2) << static_cast<uint>(nrOfBits[a]));
+        uint link = 0;
+        for (int i = 0; i < nrOfBits[a]; ++i) {
+            const uint below = (2U << static_cast<uint>(i)) - 1;
+            uint& next = links[below + 1 + (l & below)];
+            if (next == 0) {
+                next = static_cast<uint>(steps.locations.size());
+                const auto bit = static_cast<uint>(bitShift[a] + i);
+                steps.locations.push_back({link, 2 * bit + (l >> static_cast<uint>(i) & 1U)});
+            }
+            link = next;
         }
-        return index[l];
+        return link;
     };
     std::vector<std::vector<uint>> owners; // of each action: its parts
     for (const auto& [action, automata] : actionAutomata) {
@@ -256,8 +265,8 @@ void NetTimedModel::layOutSteps() {
         for (const uint a : automata) {
             if (nrOfBits[a] == 0) continue;
             for (const auto& [source, target] : actionEdges.at({a, action})) {
-                const uint from = indexOf(a, source);
-                steps.moves.emplace_back(from, indexOf(a, target));
+                const uint from = linkOf(a, source);
+                steps.moves.emplace_back(from, linkOf(a, target));
             }
             steps.shares.push_back(static_cast<uint>(steps.moves.size()));
             parts.push_back(partOf[a]);
@@ -267,10 +276,10 @@ void NetTimedModel::layOutSteps() {
         steps.actions.push_back({static_cast<uint>(steps.shares.size()), 0});
         owners.push_back(std::move(parts));
     }
-    layOutFrames(owners);
+    layOutStays(owners);
 }
 
-void NetTimedModel::layOutFrames(const std::vector<std::vector<uint>>& owners) {
+void NetTimedModel::layOutStays(const std::vector<std::vector<uint>>& owners) {
     // In the order of their owners, each condition shares its longest common beginning with the one
     // before it. An end mark behind the last part keeps that true where one list begins another.
     const auto count = static_cast<uint>(steps.parts.size());
@@ -289,7 +298,7 @@ void NetTimedModel::layOutFrames(const std::vector<std::vector<uint>>& owners) {
         return owner(x, i) < owner(y, i);
     });
 
-    steps.frames.push_back({0, 0});
+    steps.stays.push_back({0, 0});
     std::vector<uint> after(count + 1U); // the condition over the parts below an index
     std::size_t before = owners.size();
     for (const std::size_t action : order) {
@@ -304,11 +313,11 @@ void NetTimedModel::layOutFrames(const std::vector<std::vector<uint>>& owners) {
             if (owner(action, i) == part) {
                 ++i;
             } else {
-                steps.frames.push_back({after[part], part});
-                after[part + 1] = static_cast<uint>(steps.frames.size() - 1);
+                steps.stays.push_back({after[part], part});
+                after[part + 1] = static_cast<uint>(steps.stays.size() - 1);
             }
         }
-        steps.actions[action].frame = after[count];
+        steps.actions[action].stay = after[count];
         before = action;
     }
 }
@@ -334,36 +343,56 @@ BoolFormVect NetTimedModel::bev(int value, int shift) const {
     return {totalNrVertBits, std::bitset<2048>(static_cast<uint>(value)), shift};
 }
 
-BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
-    // False marks what is not built yet: none of these formulas over distinct variables is false.
-    std::vector<BoolForm> sources(steps.locations.size(), BoolForm(false));
-    std::vector<BoolForm> targets = sources;
-    std::vector<BoolForm> equals(steps.parts.size(), BoolForm(false));
-    std::vector<BoolForm> frames(steps.frames.size(), BoolForm(false));
-    const BoolForm unknown(false);
+namespace {
 
-    const auto locationIn = [&](std::vector<BoolForm>& known, uint index, const SymState& s) {
-        if (known[index] == unknown) {
-            const auto& [a, l] = steps.locations[index];
-            known[index] = bef(static_cast<int>(a), static_cast<int>(l), s.loc);
+/// The formulas of links, each built once. Item gives the formula of an item.
+template <class Link, class Item>
+class Conjunctions {
+public:
+    Conjunctions(const std::vector<Link>& links, Item item)
+        : links(links), item(std::move(item)), built(links.size(), unknown) {
+        built[0] = BoolForm(true);
+    }
+
+    BoolForm operator[](uint link) {
+        for (uint l = link; built[l] == unknown; l = links[l].parent) missing.push_back(l);
+        for (; !missing.empty(); missing.pop_back()) {
+            const Link& next = links[missing.back()];
+            const BoolForm last = item(next.item);
+            built[missing.back()] = con(built[next.parent], last);
         }
-        return known[index];
-    };
+        return built[link];
+    }
+
+private:
+    // Stands for none: no location and no equality of distinct variables is false.
+    inline static const BoolForm unknown{false};
+    const std::vector<Link>& links;
+    Item item;
+    std::vector<BoolForm> built;
     std::vector<uint> missing;
-    const auto stay = [&](uint frame) {
-        for (uint f = frame; frames[f] == unknown; f = steps.frames[f].parent) missing.push_back(f);
-        while (!missing.empty()) {
-            const auto [parent, part] = steps.frames[missing.back()];
-            if (equals[part] == unknown) {
-                equals[part] = eq(s1.loc, s2.loc, steps.parts[part].shift, steps.parts[part].bits);
-            }
-            frames[missing.back()] = con(frames[parent], equals[part]);
-            missing.pop_back();
-        }
-        return frames[frame];
-    };
+};
 
-    frames[0] = BoolForm(true);
+} // namespace
+
+BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
+    const auto bitOf = [](const SymState& s) {
+        return [&s](uint item) {
+            const BoolForm bit = s.loc[static_cast<int>(item / 2)];
+            return item % 2 != 0 ? bit : neg(bit);
+        };
+    };
+    std::vector<BoolForm> equals(steps.parts.size(), BoolForm(false)); // false: not built yet
+    const auto equality = [&](uint part) {
+        if (equals[part] == BoolForm(false)) {
+            equals[part] = eq(s1.loc, s2.loc, steps.parts[part].shift, steps.parts[part].bits);
+        }
+        return equals[part];
+    };
+    Conjunctions sources(steps.locations, bitOf(s1));
+    Conjunctions targets(steps.locations, bitOf(s2));
+    Conjunctions stays(steps.stays, equality);
+
     BoolForm result(false);
     uint share = 0;
     uint m = 0;
@@ -372,13 +401,13 @@ BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymSt
         for (; share < action.sharesEnd; ++share) {
             BoolForm any(false);
             for (; m < steps.shares[share]; ++m) {
-                const BoolForm target = locationIn(targets, steps.moves[m].second, s2);
-                const BoolForm source = locationIn(sources, steps.moves[m].first, s1);
+                const BoolForm target = targets[steps.moves[m].second];
+                const BoolForm source = sources[steps.moves[m].first];
                 any = dis(any, con(source, target));
             }
             move = con(move, any);
         }
-        move = con(move, stay(action.frame));
+        move = con(move, stays[action.stay]);
         result = dis(result, move);
     }
     return result;

@@ -107,33 +107,34 @@ private:
     /// subformula once and costs time only for the nodes that it creates. An automaton of one
     /// location has no bits, constrains nothing and does not occur here. Indices are 32 bits wide.
     struct Steps {
+        /// A conjunction: that of link `parent` and one item more. Link 0 is the empty conjunction.
+        /// Conjunctions that begin alike share their beginning, as their nodes do.
+        struct Link {
+            uint parent;
+            uint item;
+        };
         /// The bits of an automaton within a state.
         struct Part {
             int shift;
             int bits;
         };
-        /// An action: the end of its shares and the frame condition of the automata without it.
+        /// An action: the end of its shares, and the link of the parts that stay.
         struct Action {
             uint sharesEnd;
-            uint frame;
-        };
-        /// The frame condition `parent` and the equality of one part more. Entry 0 is the empty
-        /// condition. Conditions that begin alike share their beginning, as their nodes do.
-        struct Frame {
-            uint parent;
-            uint part;
+            uint stay;
         };
 
-        std::vector<Part> parts;
-        std::vector<Location> locations;          // that occur in moves
-        std::vector<std::pair<uint, uint>> moves; // source and target, indices of locations
+        std::vector<Link>
+            locations; // items: twice the index of a bit within a state, plus its value
+        std::vector<std::pair<uint, uint>> moves; // source and target, links of locations
         std::vector<uint> shares; // of an automaton in an action: the end of its moves
         std::vector<Action> actions;
-        std::vector<Frame> frames;
+        std::vector<Part> parts;
+        std::vector<Link> stays; // items: indices of parts
     };
 
     void layOutSteps();
-    void layOutFrames(const std::vector<std::vector<uint>>& owners);
+    void layOutStays(const std::vector<std::vector<uint>>& owners);
 
     Steps steps;
     std::map<uint, std::vector<Location>> carriers; // of each proposition, ascending
