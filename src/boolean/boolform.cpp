@@ -1,7 +1,6 @@
 #include "boolform.h"
 
 #include <algorithm>
-#include <array>
 #include <cassert>
 #include <charconv>
 #include <cstdint>
@@ -67,43 +66,71 @@ auto into(std::set<Clause>& cs) {
 
 int BoolForm::maxNr = BoolForm::maxVariable;
 std::vector<Triple> BoolForm::tv;
-BoolForm::TripleMap& BoolForm::mti = *new BoolForm::TripleMap;
+TripleMap BoolForm::mti;
 
 BoolForm::BoolForm(int nr) : nr(nr) { assert(nr > 0); }
 
 namespace {
 
-/// The node numbers found or created last, direct-mapped by their triples.
-std::array<int, 1U << 14> recent;
+/// Finds the nodes by their triples: a hash table of node numbers with linear probing, at most half
+/// full. A search ends after one or two probes, where an ordered map goes down twenty levels.
+class Index {
+public:
+    /// The node of the triple, created if it is new.
+    int node(const Triple& t) {
+        if (known != BoolForm::tv.size() || 2 * known >= slots.size()) rebuild();
+        const std::size_t i = slotOf(t);
+        if (slots[i] == 0) {
+            assert(BoolForm::maxNr < std::numeric_limits<int>::max());
+            slots[i] = ++BoolForm::maxNr;
+            BoolForm::tv.push_back(t);
+            ++known;
+        }
+        return slots[i];
+    }
 
-int& recentSlot(const Triple& t) {
-    const std::uint64_t operands =
-        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(t.left)) << 32U |
-         static_cast<std::uint32_t>(t.right)) +
-        static_cast<std::uint64_t>(t.op);
-    return recent[(operands * 0x9E3779B97F4A7C15U) >> 50U];
-}
+private:
+    /// The slot of the node, or the empty one where it belongs.
+    [[nodiscard]] std::size_t slotOf(const Triple& t) const {
+        std::size_t i = hash(t) >> shift;
+        while (slots[i] != 0 && !(triple(slots[i]) == t)) i = (i + 1) & (slots.size() - 1);
+        return i;
+    }
+    /// Multiplicative hashing: the high bits depend on all operand bits.
+    static std::uint64_t hash(const Triple& t) {
+        const auto left = static_cast<std::uint64_t>(static_cast<std::uint32_t>(t.left));
+        const auto right = static_cast<std::uint64_t>(static_cast<std::uint32_t>(t.right));
+        return ((left << 32U | right) + static_cast<std::uint64_t>(t.op)) * 0x9E3779B97F4A7C15U;
+    }
+    /// Takes over the nodes of the store, with room for as many again.
+    void rebuild() {
+        known = BoolForm::tv.size();
+        for (shift = 52; std::uint64_t(1) << (64 - shift) < 4 * known;) --shift;
+        slots.assign(std::size_t(1) << (64 - shift), 0);
+        int n = BoolForm::maxVariable;
+        for (const Triple& t : BoolForm::tv) slots[slotOf(t)] = ++n;
+    }
+
+    std::vector<int> slots; // 0 for an empty one
+    unsigned shift = 0;     // from the hash to its high bits
+    std::size_t known = 0;  // nodes of the store that the slots hold
+};
+
+Index index;
 
 } // namespace
 
 BoolForm::BoolForm(const BoolForm& l, const BoolForm& r, int op) : nr(0) {
     assert(op == bfCon || op == bfEqu);
-    const Triple key(op, l.nr, r.nr);
-    int& slot = recentSlot(key);
-    if (isNode(slot) && slot <= maxNr && triple(slot) == key) {
-        nr = slot;
-        return;
+    nr = index.node(Triple(op, l.nr, r.nr));
+}
+
+const TripleMap::Map& TripleMap::all() const {
+    int n = BoolForm::maxVariable + static_cast<int>(nodes.size());
+    for (std::size_t i = nodes.size(); i < BoolForm::tv.size(); ++i) {
+        nodes.emplace(BoolForm::tv[i], ++n);
     }
-    const auto place = mti.lower_bound(key);
-    if (place != mti.end() && place->first == key) {
-        nr = place->second;
-    } else {
-        assert(maxNr < std::numeric_limits<int>::max());
-        nr = ++maxNr;
-        tv.push_back(key);
-        mti.emplace_hint(place, key, nr);
-    }
-    slot = nr;
+    return nodes;
 }
 
 bool BoolForm::isNeg(const BoolForm& f) const { return f == neg(*this); }

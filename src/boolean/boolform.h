@@ -22,13 +22,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <limits>
 #include <map>
-#include <memory>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// The kinds of composed nodes. Disjunction, implication and inequality are derived from them.
@@ -76,30 +73,30 @@ inline bool operator==(const Clause& a, const Clause& b) {
     return a.l1 == b.l1 && a.l2 == b.l2 && a.l3 == b.l3;
 }
 
-/// Hands out memory from blocks that are never given back, for containers that only grow.
-template <class T>
-class BlockAllocator {
+/// The nodes of the store as an ordered map from triples to numbers. A view: it takes over what tv
+/// has gained when it is looked at, since a run itself never looks. It finds its nodes by hashing.
+class TripleMap {
 public:
-    using value_type = T;
+    using Map = std::map<Triple, int>;
 
-    BlockAllocator() = default;
-    template <class U>
-    explicit(false) BlockAllocator(const BlockAllocator<U>& /*other*/) {}
+    operator const Map&() const { return all(); }
+    [[nodiscard]] Map::const_iterator begin() const { return all().begin(); }
+    [[nodiscard]] Map::const_iterator end() const { return all().end(); }
+    [[nodiscard]] Map::const_iterator find(const Triple& t) const { return all().find(t); }
+    [[nodiscard]] std::size_t count(const Triple& t) const { return all().count(t); }
+    [[nodiscard]] int at(const Triple& t) const { return all().at(t); }
+    [[nodiscard]] std::size_t size() const { return all().size(); }
+    [[nodiscard]] bool empty() const { return all().empty(); }
+    void clear() { nodes.clear(); }
 
-    T* allocate(std::size_t count);
-    void deallocate(T* /*memory*/, std::size_t /*count*/) {}
-
-    friend bool operator==(const BlockAllocator& /*a*/, const BlockAllocator& /*b*/) {
-        return true;
-    }
+private:
+    [[nodiscard]] const Map& all() const;
+    mutable Map nodes;
 };
 
 /// A propositional formula: a number into the store. Copying it copies the number.
 class BoolForm {
 public:
-    using TripleMap =
-        std::map<Triple, int, std::less<Triple>, BlockAllocator<std::pair<const Triple, int>>>;
-
     /// The constant b.
     explicit BoolForm(bool b) : nr(b ? trueNr : 0) {}
     /// The variable nr. Precondition, asserted: nr > 0. The caller keeps it at most maxVariable.
@@ -138,8 +135,7 @@ public:
     /// The number of the latest node; the next one gets maxNr + 1.
     static int maxNr;
     static std::vector<Triple> tv;
-    /// Lives as long as the process: to walk its nodes at exit would cost 25 ms for 700000 of them.
-    static TripleMap& mti;
+    static TripleMap mti;
 };
 
 [[nodiscard]] BoolForm neg(const BoolForm& a);
@@ -174,19 +170,3 @@ void showCNF(const Clauses& cs);
 /// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute
 /// value among them, 0 if there is none.
 int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v);
-
-template <class T>
-T* BlockAllocator<T>::allocate(std::size_t count) {
-    // One block of 4096 nodes in place of 4096 calls of operator new.
-    static constexpr std::size_t blockSize = 4096;
-    static T* next = nullptr;
-    static std::size_t left = 0;
-    if (count > left) {
-        left = count > blockSize ? count : blockSize;
-        next = std::allocator<T>().allocate(left);
-    }
-    left -= count;
-    T* const memory = next;
-    next += count;
-    return memory;
-}
