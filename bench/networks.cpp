@@ -33,7 +33,7 @@ void transition(std::ostream& net, long source, long target, long action) {
 }
 
 std::string prop(long p) {
-    return "p" + std::to_string(p);
+    return std::string("p").append(std::to_string(p));
 }
 
 // std::mt19937 gives the same numbers on every machine, the distributions of <random> do not.
@@ -133,7 +133,8 @@ std::string tokens(const Params& params, std::ostream& net) {
 
     std::mt19937 random(1);
     const auto operand = [&random] {
-        return (below(random, 4) == 0 ? "p-" : "p") + std::to_string(1 + below(random, 4));
+        const std::string start = below(random, 4) == 0 ? "p-" : "p";
+        return start + std::to_string(1 + below(random, 4));
     };
     const auto operation = [&random] { return below(random, 2) == 0 ? '&' : '+'; };
 
