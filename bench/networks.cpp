@@ -32,14 +32,10 @@ void transition(std::ostream& net, long source, long target, long action) {
     net << "transition " << source << ' ' << target << ' ' << action << "\nend\n";
 }
 
-std::string prop(long p) {
-    return std::string("p").append(std::to_string(p));
-}
+std::string prop(long p) { return std::string("p").append(std::to_string(p)); }
 
 // std::mt19937 gives the same numbers on every machine, the distributions of <random> do not.
-long below(std::mt19937& random, long bound) {
-    return static_cast<long>(random()) % bound;
-}
+long below(std::mt19937& random, long bound) { return static_cast<long>(random()) % bound; }
 
 // Philosopher i takes fork i and then the next one, and puts them back in that order.
 std::string philosophers(const Params& params, std::ostream& net) {
@@ -209,7 +205,7 @@ std::string valuation(const Params& params, std::ostream& net) {
 // A family writes the automata of its network and returns its formula.
 struct Family {
     std::string_view name;
-    std::string_view letters;  // one for each parameter
+    std::string_view letters; // one for each parameter
     std::string (*write)(const Params& params, std::ostream& net);
     std::string_view about;
 };
@@ -274,7 +270,7 @@ int generate(const Family& family, const Params& params, const std::string& base
     return 0;
 }
 
-}  // namespace
+} // namespace
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);

@@ -334,11 +334,30 @@ private:
     std::size_t used = 0;
 };
 
+/// The largest absolute value of any literal and of any variable, 0 where there is none.
+struct Largest {
+    int literal = 0;
+    int variable = 0;
+};
+
 template <class Clauses>
-void write(const Clauses& cs, const std::string& file, int shift) {
+Largest largest(const Clauses& cs) {
+    Largest r;
+    for (const Clause& c : cs) {
+        for (const int literal : {c.l1, c.l2, c.l3}) {
+            const int n = std::abs(literal);
+            r.literal = std::max(r.literal, n);
+            r.variable = std::max(r.variable, n < BoolForm::maxVariable ? n : 0);
+        }
+    }
+    return r;
+}
+
+template <class Clauses>
+void write(const Clauses& cs, const std::string& file, int top, int shift) {
     BlockWriter out(file);
     out.text("p cnf ");
-    out.number(fileNr(maxCNFVarNr(cs), shift));
+    out.number(fileNr(top, shift));
     out.put(' ');
     out.number(cs.size());
     out.endLine();
@@ -357,33 +376,23 @@ void write(const Clauses& cs, const std::string& file, int shift) {
 
 template <class Clauses>
 int maxCNFVarNr(const Clauses& cs) {
-    int largest = 0;
-    for (const Clause& c : cs) {
-        for (const int literal : {c.l1, c.l2, c.l3}) largest = std::max(largest, std::abs(literal));
-    }
-    return largest;
+    return largest(cs).literal;
 }
 
 template <class Clauses>
 int maxCNFOrgVarNr(const Clauses& cs) {
-    int largest = 0;
-    for (const Clause& c : cs) {
-        for (const int literal : {c.l1, c.l2, c.l3}) {
-            const int n = std::abs(literal);
-            if (n < BoolForm::maxVariable) largest = std::max(largest, n);
-        }
-    }
-    return largest;
+    return largest(cs).variable;
 }
 
 template <class Clauses>
 void showCNF(const Clauses& cs, std::string name) {
-    write(cs, name.append(".cnf"), BoolForm::maxVariable - maxCNFOrgVarNr(cs));
+    const Largest top = largest(cs);
+    write(cs, name.append(".cnf"), top.literal, BoolForm::maxVariable - top.variable);
 }
 
 template <class Clauses>
 void showCNF(const Clauses& cs) {
-    write(cs, "test.cnf", 0);
+    write(cs, "test.cnf", maxCNFVarNr(cs), 0);
 }
 
 int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v) {

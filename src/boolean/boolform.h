@@ -115,7 +115,7 @@ public:
     /// node's number. A constant empties cs first; false leaves the empty clause, true none.
     void toCNF(std::set<Clause>& cs) const;
     /// The clauses that toCNF adds to an empty set, in the order of the set. Linear in the number
-    /// of nodes below this one, but for the sorting of clauses that share their first literal.
+    /// of this node, but for the sorting of clauses that share their first literal.
     [[nodiscard]] std::vector<Clause> clauses() const;
 
     /// x holds.

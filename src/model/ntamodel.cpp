@@ -5,6 +5,7 @@
 #include <bitset>
 #include <cassert>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <iostream>
 #include <numeric>
@@ -84,7 +85,7 @@ private:
 struct Section {
     std::vector<uint> locations;
     std::vector<std::array<uint, 3>> transitions; // action, source, target
-    std::vector<std::array<uint, 2>> values;      // location, proposition
+    std::vector<std::uint64_t> values;            // location and, in the low half, proposition
     uint locationsNamed = 0;                      // all that valuation lines name lie below
 };
 
@@ -138,8 +139,10 @@ void enter(NetTimedModel& model, Section& section) {
         moves->insert(moves->end(), move);
     }
     sortUnique(section.values);
-    for (const auto& [location, prop] : section.values) {
-        model.valuation.emplace_hint(model.valuation.end(), std::pair(n, location), prop);
+    for (const std::uint64_t value : section.values) {
+        model.valuation.emplace_hint(model.valuation.end(),
+                                     std::pair(n, static_cast<uint>(value >> 32U)),
+                                     static_cast<uint>(value));
     }
 }
 
@@ -197,8 +200,9 @@ bool NetTimedModel::readAutomaton(std::ifstream& in) {
         if (!fields.number(location, "location number")) continue;
         section.locationsNamed = std::max(section.locationsNamed, location + 1);
         uint prop = 0;
-        while (fields.number(prop, "proposition number"))
-            section.values.push_back({location, prop});
+        while (fields.number(prop, "proposition number")) {
+            section.values.push_back(std::uint64_t(location) << 32U | prop);
+        }
     }
     next();
     if (!line.starts_with("end")) error("end expected");
@@ -211,6 +215,13 @@ void NetTimedModel::readFormula(std::string name) {
     std::string line;
     if (!nextLine(in, line)) error("formula: end of file before the formula");
     form = std::make_unique<EctlForm>(line);
+
+    carriers.clear();
+    for (const OnpNode& token : form->onp) carriers.try_emplace(static_cast<uint>(token.varNr));
+    for (const auto& [location, prop] : valuation) {
+        const auto named = carriers.find(prop);
+        if (named != carriers.end()) named->second.push_back(location);
+    }
 }
 
 void NetTimedModel::compNrOfBits(int /*k*/) {
@@ -226,8 +237,6 @@ void NetTimedModel::compNrOfBits(int /*k*/) {
         totalNrVertBits += count;
     }
     layOutSteps();
-    carriers.clear();
-    for (const auto& [location, prop] : valuation) carriers[prop].push_back(location);
 }
 
 void NetTimedModel::layOutSteps() {
@@ -423,10 +432,17 @@ BoolForm NetTimedModel::fI(int loc, const SymState& s) const { return properInit
 
 BoolForm NetTimedModel::fP(int prop, const SymState& s) const {
     BoolForm r(false);
-    const auto carrying = carriers.find(static_cast<uint>(prop));
-    if (carrying == carriers.end()) return r;
-    for (const auto& [a, l] : carrying->second) {
+    const auto add = [&](const Location& location) {
+        const auto& [a, l] = location;
         r = dis(r, bef(static_cast<int>(a), static_cast<int>(l), s.loc));
+    };
+    const auto named = carriers.find(static_cast<uint>(prop));
+    if (named != carriers.end()) {
+        for (const Location& location : named->second) add(location);
+    } else {
+        for (const auto& [location, carried] : valuation) {
+            if (carried == static_cast<uint>(prop)) add(location);
+        }
     }
     return r;
 }

@@ -76,7 +76,8 @@ public:
     [[nodiscard]] BoolForm properInitState(int loc, const SymState& s) const;
     /// The same as properInitState.
     [[nodiscard]] BoolForm fI(int loc, const SymState& s) const;
-    /// Some automaton is in a location that carries proposition prop in s.
+    /// Some automaton is in a location that carries proposition prop in s. Walks the whole
+    /// valuation for a proposition that the formula does not name.
     [[nodiscard]] BoolForm fP(int prop, const SymState& s) const;
     /// The same as actionSucc.
     [[nodiscard]] BoolForm fT(const SymState& s1, const SymState& s2) const;
@@ -137,5 +138,7 @@ private:
     void layOutStays(const std::vector<std::vector<uint>>& owners);
 
     Steps steps;
-    std::map<uint, std::vector<Location>> carriers; // of each proposition, ascending
+    /// The locations of each proposition that the formula names, ascending. What it does not name
+    /// costs nothing at any position.
+    std::map<uint, std::vector<Location>> carriers;
 };

@@ -1,0 +1,16 @@
+#include "fuzz.h"
+
+#include "ntamodel.h"
+#include "store.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    emptyStore();
+    return orRefused([&] {
+        const InputFile file(data, size);
+        NetTimedModel model;
+        model.readNetwork(file.name);
+        model.compNrOfBits(1);
+        const int bits = model.totalNrVertBits;
+        (void)model.actionSucc(1, model.genSymState(1, 0), model.genSymState(1 + bits, 1));
+    });
+}

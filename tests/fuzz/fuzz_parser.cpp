@@ -1,0 +1,16 @@
+#include "fuzz.h"
+
+#include "ectlform.h"
+
+#include <cassert>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    return orRefused([&] {
+        const EctlForm form(std::string(reinterpret_cast<const char*>(data), size));
+        const EctlForm again(form.getText() == "$" ? "" : form.getText());
+        assert(form == again);
+        assert(form.length() >= form.temporalLength());
+        (void)form.getSpecLen(7);
+        if (form.op != OpNone) assert(form.getLeft().length() < form.length() + 1);
+    });
+}
