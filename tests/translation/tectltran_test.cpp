@@ -26,21 +26,12 @@ protected:
     NetTimedModel model;
 };
 
-TEST_F(Translation, positionsOwnConsecutiveVariables) {
+TEST_F(Translation, treeAndListDifferInTemporalOperatorsOnly) {
     EctlTransl t(model, 2);
     EXPECT_TRUE(t.states.empty());
     (void)t.symbPath();
     ASSERT_EQ(t.states.size(), 3U);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(t.getStartNr(i), 1 + 3 * i);
-        EXPECT_EQ(t.states[static_cast<std::size_t>(i)].loc, BoolFormVect(3, 1 + 3 * i));
-    }
-    EXPECT_EQ(BoolForm::tv.size(), 44U);
-}
-
-TEST_F(Translation, readsEachPropositionAtItsPosition) {
-    EctlTransl t(model, 2);
-    (void)t.symbPath();
+    EXPECT_EQ(t.states[2].loc, BoolFormVect(3, t.getStartNr(2)));
     const BoolForm p3 = BoolForm(4);                        // automaton 1 in location 1
     const BoolForm p4 = con(neg(BoolForm(5)), BoolForm(6)); // automaton 2 in location 2
     const struct {
@@ -48,23 +39,19 @@ TEST_F(Translation, readsEachPropositionAtItsPosition) {
         BoolForm list, tree;
     } rows[] = {
         {"T", BoolForm(true), BoolForm(true)},
-        {"p3", p3, p3},
-        {"p-3", neg(p3), neg(p3)},
-        {"p9", BoolForm(false), BoolForm(false)},
-        {"p3p4&", con(p3, p4), con(p3, p4)},
         {"p3p-4+p1&", con(dis(p3, neg(p4)), neg(p3)), con(dis(p3, neg(p4)), neg(p3))},
-        {"p3p-3&", BoolForm(false), BoolForm(false)},
         {"p3p4EF+", BoolForm(false), p3},
         {"p3EXT+", BoolForm(false), BoolForm(true)},
         {"Tp4EU", BoolForm(false), BoolForm(false)},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(t.transl(EctlForm(row.text), 1), row.list);
-        EXPECT_EQ(tree(t, row.text), row.tree);
+        EXPECT_EQ(t.transl(EctlForm(row.text), 1), row.list) << row.text;
+        EXPECT_EQ(tree(t, row.text), row.tree) << row.text;
     }
     EXPECT_EQ(t.transl(static_cast<Node*>(nullptr), 1), BoolForm(false));
-    EXPECT_EQ(tree(t, "p4p1EX&"), BoolForm(false));
+    EXPECT_EQ(t.transl(dis(EctlForm("p3"), EctlForm("p4")), 1), dis(p3, p4));
+    EXPECT_EXIT((void)t.transl(dis(EctlForm("E"), EctlForm("p1"))), testing::ExitedWithCode(1),
+                "^formula: an operator finds too few operands\n$");
 }
 
 TEST_F(Translation, treeBuildsRightOperandsFirstAndNothingBelowTemporalOperators) {
@@ -93,24 +80,6 @@ TEST_F(Translation, treesOfAMillionOperators) {
     for (int i = 0; i < 500000; ++i) right += "&+";
     EXPECT_EQ(tree(t, left), t.transl(EctlForm(left), 1));
     EXPECT_EQ(tree(t, right), t.transl(EctlForm(right), 1));
-}
-
-TEST_F(Translation, refusesWhatIsNotOneFormula) {
-    EctlTransl t(model, 1);
-    (void)t.symbPath();
-    const struct {
-        EctlForm form;
-        const char* message;
-    } rows[] = {
-        {EctlForm("p1p2"), "formula: 2 formulas in place of one"},
-        {EctlForm("p1p2p3&"), "formula: 2 formulas in place of one"},
-        {EctlForm("E"), "formula: 0 formulas in place of one"},
-        {dis(EctlForm("E"), EctlForm("p1")), "formula: an operator finds too few operands"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EXIT((void)t.transl(row.form), testing::ExitedWithCode(1),
-                    std::string("^") + row.message + "\n$");
-    }
 }
 
 } // namespace
