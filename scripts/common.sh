@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Shared by the scripts. Expects set -euo pipefail. Everything it prints goes to standard error.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -30,7 +31,7 @@ build() {
     local preset=$1
     shift
     (
-        cd "$root"
+        cd "$root" || exit
         cmake --preset "$preset" && cmake --build --preset "$preset" ${1:+--target "$@"}
     ) >&2
 }
