@@ -73,8 +73,10 @@ inline bool operator==(const Clause& a, const Clause& b) {
     return a.l1 == b.l1 && a.l2 == b.l2 && a.l3 == b.l3;
 }
 
-/// The nodes of the store as an ordered map from triples to numbers. A view: it takes over what tv
-/// has gained when it is looked at, since a run itself never looks. It finds its nodes by hashing.
+/// The nodes of the store as an ordered map from triples to numbers. A view of tv, which takes over
+/// what tv has gained when it is looked at: a run finds its nodes through a hash table and never
+/// looks. An ordered map for finding them took up to half as long again for the whole run, and 13
+/// bytes more for each clause.
 class TripleMap {
 public:
     using Map = std::map<Triple, int>;
@@ -87,6 +89,7 @@ public:
     [[nodiscard]] int at(const Triple& t) const { return all().at(t); }
     [[nodiscard]] std::size_t size() const { return all().size(); }
     [[nodiscard]] bool empty() const { return all().empty(); }
+    /// Goes together with emptying tv.
     void clear() { nodes.clear(); }
 
 private:

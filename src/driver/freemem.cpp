@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -9,7 +10,7 @@
 
 namespace {
 
-constexpr unsigned int noFigure = -1;
+constexpr auto noFigure = std::numeric_limits<unsigned int>::max();
 
 std::vector<std::string> nonEmptyLines(std::istream& in) {
     std::vector<std::string> lines;

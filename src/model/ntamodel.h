@@ -125,13 +125,16 @@ private:
             uint stay;
         };
 
-        std::vector<Link>
-            locations; // items: twice the index of a bit within a state, plus its value
-        std::vector<std::pair<uint, uint>> moves; // source and target, links of locations
-        std::vector<uint> shares; // of an automaton in an action: the end of its moves
+        /// Of items that are twice the index of a bit within a state, plus the value of the bit.
+        std::vector<Link> locations;
+        /// Source and target, links of locations.
+        std::vector<std::pair<uint, uint>> moves;
+        /// Of an automaton in an action: the end of its moves.
+        std::vector<uint> shares;
         std::vector<Action> actions;
         std::vector<Part> parts;
-        std::vector<Link> stays; // items: indices of parts
+        /// Of items that are indices of parts.
+        std::vector<Link> stays;
     };
 
     void layOutSteps();

@@ -13,6 +13,8 @@ namespace {
 constexpr std::array<std::string_view, 11> operStrs = {"T",  "p",  "p-", "&",  "+", "EG",
                                                        "EX", "EU", "EF", "EK", "$"};
 
+std::string_view textOf(EctlOper op) { return operStrs.at(static_cast<std::size_t>(op)); }
+
 EctlOper operOf(std::string_view text) {
     const auto at = [&](std::size_t i) { return i < text.size() ? text[i] : '\0'; };
     switch (at(0)) {
@@ -56,7 +58,7 @@ Token tokenAt(std::string_view text, std::size_t position) {
     Token token{operOf(rest), 0, true, {}};
     std::size_t length = 1;
     if (token.op != OpNone && token.op != OpCon && token.op != OpDis) {
-        length = operStrs.at(token.op).size();
+        length = textOf(token.op).size();
     }
     if (isVar(token.op)) {
         const std::size_t digits = length;
@@ -113,7 +115,7 @@ std::vector<NodePointer> prefixOrder(NodePointer root) {
 EctlOper oper(const std::string& text) { return operOf(text); }
 
 std::string operStr(EctlOper op) {
-    return std::string(operStrs.at(op >= OpTrue && op <= OpNone ? op : OpNone));
+    return std::string(textOf(op >= OpTrue && op <= OpNone ? op : OpNone));
 }
 
 EctlForm::EctlForm(const std::string& text) { split(text); }
@@ -191,7 +193,7 @@ void EctlForm::destroyTree(Node* root) const {
 
 void EctlForm::preOrder(const Node* root) const {
     for (const Node* node : prefixOrder(root)) {
-        std::cout << operStrs.at(node->op);
+        std::cout << textOf(node->op);
         if (isVar(node->op)) std::cout << node->varNr;
     }
 }
