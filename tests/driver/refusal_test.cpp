@@ -27,7 +27,7 @@ const std::array<std::array<std::string, 2>, 3> inputs = {
     {{oneAutomaton, "p5\n"},
      {twoProcesses, "# both\np3p4&"},
      {manyAutomata(), "\np1p-2&p3+Tp7p9EU&+\nbehind\n"}}};
-constexpr std::array kinds = {"bit",   "erase", "NUL",  "cut",    "drop",   "double",
+constexpr std::array kinds = {"bits",  "erase", "NUL",  "cut",    "drop",   "double",
                               "CR LF", "long",  "move", "number", "number", "number"};
 constexpr std::array oddNumbers = {"2147483647", "2147483648", "99999999999", "-1",  "-0",
                                    "+1",         "--1",        "0x1",         "1.5", "1e9",
@@ -46,7 +46,7 @@ std::string damage(std::string& text, Random& random) {
     for (auto doublings = random() % 15; doublings > 0; --doublings) chunk += chunk;
     const std::size_t kind = random() % kinds.size();
     switch (kind) {
-    case 0: text[at] = static_cast<char>(text[at] ^ 1 << random() % 8); break;
+    case 0: text[at] = static_cast<char>(text[at] ^ (random() & 0x8FU)); break;
     case 1: text.erase(at, 1 + random() % 4); break;
     case 2: text.insert(at, 1 + random() % 3, '\0'); break;
     case 3: text.resize(at); break;
