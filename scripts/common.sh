@@ -24,7 +24,8 @@ install() {
     } >&2
 }
 
-install_toolchain() { install g++=g++ cmake=cmake ninja=ninja-build; }
+# procps has the command free, which a run calls.
+install_toolchain() { install g++=g++ cmake=cmake ninja=ninja-build free=procps; }
 
 # build PRESET [TARGET...]: configures and builds, all targets if none is named.
 build() {

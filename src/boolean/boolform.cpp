@@ -116,13 +116,13 @@ private:
     std::size_t known = 0;  // nodes of the store that the slots hold
 };
 
-Index index;
+Index nodeIndex;
 
 } // namespace
 
 BoolForm::BoolForm(const BoolForm& l, const BoolForm& r, int op) : nr(0) {
     assert(op == bfCon || op == bfEqu);
-    nr = index.node(Triple(op, l.nr, r.nr));
+    nr = nodeIndex.node(Triple(op, l.nr, r.nr));
 }
 
 const TripleMap::Map& TripleMap::all() const {
@@ -225,11 +225,38 @@ void BoolForm::toCNF(std::set<Clause>& cs) const {
 
 namespace {
 
-/// The number of a literal in a file whose largest variable is shift below the nodes' first.
+/// The number of a literal in a file whose largest variable is shift below maxVariable.
 int fileNr(int literal, int shift) {
     if (literal > BoolForm::maxVariable) return literal - shift;
     if (literal < -BoolForm::maxVariable) return literal + shift;
     return literal;
+}
+
+/// The clauses that forEach hands to a sink, in order. last is the largest number of a literal in
+/// the file. Counting sort by the first literal, straight into the final places: no second copy of
+/// the clauses, and no comparison but among the few that share their first literal.
+template <class ForEach>
+std::vector<Clause> countingSorted(const ForEach& forEach, std::ptrdiff_t last, int shift) {
+    const auto bucket = [&](const Clause& c) {
+        const std::ptrdiff_t block = c.l1 < 0 ? last : c.l1 == 0 ? 2 * last : 3 * last;
+        return static_cast<std::size_t>(block + fileNr(c.l1 != 0 ? c.l1 : c.l2, shift));
+    };
+    std::vector<std::uint32_t> ends(static_cast<std::size_t>(4 * last) + 2);
+    forEach([&](const Clause& c) { ++ends[bucket(c) + 1]; });
+    std::uint64_t total = 0;
+    for (std::uint32_t& end : ends) {
+        total += end;
+        assert(total <= std::numeric_limits<std::uint32_t>::max());
+        end = static_cast<std::uint32_t>(total);
+    }
+    std::vector<Clause> sorted(total, Clause(0, 0, 0));
+    forEach([&](const Clause& c) { sorted[ends[bucket(c)]++] = c; });
+    std::uint32_t begin = 0;
+    for (const std::uint32_t end : ends) {
+        if (end - begin > 1) std::sort(sorted.begin() + begin, sorted.begin() + end);
+        begin = end;
+    }
+    return sorted;
 }
 
 } // namespace
@@ -256,9 +283,11 @@ std::vector<Clause> BoolForm::clauses() const {
             if (reached[i]) use(static_cast<int>(i) + firstNode, tv[i]);
         }
     };
+    std::size_t nodes = 0;
     forEachReached([&](int, const Triple& t) {
         reach(t.left);
         reach(t.right);
+        ++nodes;
     });
     const auto forEachClause = [&](auto&& sink) {
         unitClauses(nr, sink);
@@ -271,29 +300,14 @@ std::vector<Clause> BoolForm::clauses() const {
         });
     };
 
-    // Counting sort by the first literal, straight into the final places: no second copy of the
-    // clauses, and no comparison but among the few that share their first literal.
     const int shift = maxVariable - variables;
-    const std::ptrdiff_t last = fileNr(std::max(top, variables), shift);
-    const auto bucket = [&](const Clause& c) {
-        const std::ptrdiff_t block = c.l1 < 0 ? last : c.l1 == 0 ? 2 * last : 3 * last;
-        return static_cast<std::size_t>(block + fileNr(c.l1 != 0 ? c.l1 : c.l2, shift));
-    };
-    std::vector<std::uint32_t> ends(static_cast<std::size_t>(4 * last) + 2);
-    forEachClause([&](const Clause& c) { ++ends[bucket(c) + 1]; });
-    std::uint64_t total = 0;
-    for (std::uint32_t& end : ends) {
-        total += end;
-        assert(total <= std::numeric_limits<std::uint32_t>::max());
-        end = static_cast<std::uint32_t>(total);
+    const int last = fileNr(std::max(top, variables), shift);
+    if (static_cast<std::size_t>(last) / 64 < nodes + 1) {
+        return countingSorted(forEachClause, last, shift);
     }
-    std::vector<Clause> sorted(total, Clause(0, 0, 0));
-    forEachClause([&](const Clause& c) { sorted[ends[bucket(c)]++] = c; });
-    std::uint32_t begin = 0;
-    for (const std::uint32_t end : ends) {
-        if (end - begin > 1) std::sort(sorted.begin() + begin, sorted.begin() + end);
-        begin = end;
-    }
+    std::vector<Clause> sorted; // few clauses over many numbers
+    forEachClause([&](const Clause& c) { sorted.push_back(c); });
+    std::sort(sorted.begin(), sorted.end());
     return sorted;
 }
 
@@ -416,3 +430,4 @@ template int maxCNFOrgVarNr(const std::vector<Clause>& cs);
 template void showCNF(const std::set<Clause>& cs, std::string name);
 template void showCNF(const std::vector<Clause>& cs, std::string name);
 template void showCNF(const std::set<Clause>& cs);
+template void showCNF(const std::vector<Clause>& cs);

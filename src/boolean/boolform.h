@@ -85,6 +85,10 @@ public:
     [[nodiscard]] Map::const_iterator begin() const { return all().begin(); }
     [[nodiscard]] Map::const_iterator end() const { return all().end(); }
     [[nodiscard]] Map::const_iterator find(const Triple& t) const { return all().find(t); }
+    [[nodiscard]] Map::const_iterator lower_bound(const Triple& t) const {
+        return all().lower_bound(t);
+    }
+    [[nodiscard]] bool contains(const Triple& t) const { return all().contains(t); }
     [[nodiscard]] std::size_t count(const Triple& t) const { return all().count(t); }
     [[nodiscard]] int at(const Triple& t) const { return all().at(t); }
     [[nodiscard]] std::size_t size() const { return all().size(); }
@@ -118,7 +122,8 @@ public:
     /// node's number. A constant empties cs first; false leaves the empty clause, true none.
     void toCNF(std::set<Clause>& cs) const;
     /// The clauses that toCNF adds to an empty set, in the order of the set. Linear in the number
-    /// of this node, but for the sorting of clauses that share their first literal.
+    /// of nodes that are not above this one, but for the sorting of clauses that share their first
+    /// literal.
     [[nodiscard]] std::vector<Clause> clauses() const;
 
     /// x holds.
@@ -155,8 +160,8 @@ public:
 [[nodiscard]] inline bool operator==(const BoolForm& a, const BoolForm& b) { return a.nr == b.nr; }
 
 // The DIMACS file. The writer renumbers: with m the largest variable that occurs, a variable keeps
-// its number and node n becomes n - 1000000 + m. Each operation takes a sorted range of clauses
-// without repeats, a std::set<Clause> or a std::vector<Clause>.
+// its number and node n becomes n - 1000000 + m. Clauses is a std::set<Clause>, or a sorted
+// std::vector<Clause> without repeats.
 
 /// The largest absolute value of any literal, 0 if there is none.
 template <class Clauses>

@@ -20,24 +20,25 @@ std::vector<std::string> nonEmptyLines(std::istream& in) {
     return lines;
 }
 
-/// The third number behind the first word.
-std::optional<long long> freeColumn(const std::string& line) {
+/// The low 32 bits of the third number behind the first word.
+std::optional<unsigned int> freeColumn(const std::string& line) {
     std::istringstream fields(line);
     std::string head;
     long long total = 0;
     long long used = 0;
     long long free = 0;
-    if (fields >> head >> total >> used >> free) return free;
+    if (fields >> head >> total >> used >> free) return static_cast<unsigned int>(free);
     return {};
 }
 
-/// The value of the line that begins with the name.
-std::optional<long long> valueOf(const std::vector<std::string>& lines, const std::string& name) {
+/// The low 32 bits of the value in the line that begins with the name.
+std::optional<unsigned int> valueOf(const std::vector<std::string>& lines,
+                                    const std::string& name) {
     for (const std::string& line : lines) {
         std::istringstream fields(line);
         std::string head;
         long long value = 0;
-        if (fields >> head >> value && head == name) return value;
+        if (fields >> head >> value && head == name) return static_cast<unsigned int>(value);
     }
     return {};
 }
@@ -49,12 +50,12 @@ unsigned int freeMemIn(std::istream& in) {
     if (lines.size() >= 3) {
         const auto memory = freeColumn(lines[1]);
         const auto swap = freeColumn(lines[2]);
-        if (memory && swap) return static_cast<unsigned int>(*memory + *swap);
+        if (memory && swap) return *memory + *swap;
     }
     const auto memory = valueOf(lines, "MemFree:");
     const auto swap = valueOf(lines, "SwapFree:");
     if (!memory && !swap) return noFigure;
-    return static_cast<unsigned int>((memory.value_or(0) + swap.value_or(0)) * 1024);
+    return (memory.value_or(0) + swap.value_or(0)) * 1024;
 }
 
 unsigned int getfreemem() {

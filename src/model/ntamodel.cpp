@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <numeric>
 #include <string_view>
 
@@ -217,7 +218,10 @@ void NetTimedModel::readFormula(std::string name) {
     form = std::make_unique<EctlForm>(line);
 
     carriers.clear();
-    for (const OnpNode& token : form->onp) carriers.try_emplace(static_cast<uint>(token.varNr));
+    for (const OnpNode& token : form->onp) {
+        if (token.op != OpVar && token.op != OpNegVar) continue;
+        carriers.try_emplace(static_cast<uint>(token.varNr));
+    }
     for (const auto& [location, prop] : valuation) {
         const auto named = carriers.find(prop);
         if (named != carriers.end()) named->second.push_back(location);
@@ -236,11 +240,11 @@ void NetTimedModel::compNrOfBits(int /*k*/) {
         bitShift[a] = nrOfBits[a - 1] + bitShift[a - 1];
         totalNrVertBits += count;
     }
-    layOutSteps();
+    steps.reset();
 }
 
-void NetTimedModel::layOutSteps() {
-    steps = Steps();
+NetTimedModel::Steps NetTimedModel::layOutSteps() const {
+    Steps steps;
     steps.locations.push_back({0, 0});
     std::vector<uint> partOf(nrOfBits.size());
     for (std::size_t a = 1; a < nrOfBits.size(); ++a) {
@@ -285,10 +289,11 @@ void NetTimedModel::layOutSteps() {
         steps.actions.push_back({static_cast<uint>(steps.shares.size()), 0});
         owners.push_back(std::move(parts));
     }
-    layOutStays(owners);
+    layOutStays(steps, owners);
+    return steps;
 }
 
-void NetTimedModel::layOutStays(const std::vector<std::vector<uint>>& owners) {
+void NetTimedModel::layOutStays(Steps& steps, const std::vector<std::vector<uint>>& owners) {
     // In the order of their owners, each condition shares its longest common beginning with the one
     // before it. An end mark behind the last part keeps that true where one list begins another.
     const auto count = static_cast<uint>(steps.parts.size());
@@ -322,8 +327,9 @@ void NetTimedModel::layOutStays(const std::vector<std::vector<uint>>& owners) {
             if (owner(action, i) == part) {
                 ++i;
             } else {
+                assert(steps.stays.size() <= std::numeric_limits<uint>::max());
+                after[part + 1] = static_cast<uint>(steps.stays.size());
                 steps.stays.push_back({after[part], part});
-                after[part + 1] = static_cast<uint>(steps.stays.size() - 1);
             }
         }
         steps.actions[action].stay = after[count];
@@ -385,33 +391,35 @@ private:
 } // namespace
 
 BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
+    assert(s1.loc.size() == totalNrVertBits && s2.loc.size() == totalNrVertBits);
+    if (!steps) steps = layOutSteps();
     const auto bitOf = [](const SymState& s) {
         return [&s](uint item) {
             const BoolForm bit = s.loc[static_cast<int>(item / 2)];
             return item % 2 != 0 ? bit : neg(bit);
         };
     };
-    std::vector<BoolForm> equals(steps.parts.size(), BoolForm(false)); // false: not built yet
+    std::vector<BoolForm> equals(steps->parts.size(), BoolForm(false)); // false: not built yet
     const auto equality = [&](uint part) {
         if (equals[part] == BoolForm(false)) {
-            equals[part] = eq(s1.loc, s2.loc, steps.parts[part].shift, steps.parts[part].bits);
+            equals[part] = eq(s1.loc, s2.loc, steps->parts[part].shift, steps->parts[part].bits);
         }
         return equals[part];
     };
-    Conjunctions sources(steps.locations, bitOf(s1));
-    Conjunctions targets(steps.locations, bitOf(s2));
-    Conjunctions stays(steps.stays, equality);
+    Conjunctions sources(steps->locations, bitOf(s1));
+    Conjunctions targets(steps->locations, bitOf(s2));
+    Conjunctions stays(steps->stays, equality);
 
     BoolForm result(false);
     uint share = 0;
     uint m = 0;
-    for (const Steps::Action& action : steps.actions) {
+    for (const Steps::Action& action : steps->actions) {
         BoolForm move(true);
         for (; share < action.sharesEnd; ++share) {
             BoolForm any(false);
-            for (; m < steps.shares[share]; ++m) {
-                const BoolForm target = targets[steps.moves[m].second];
-                const BoolForm source = sources[steps.moves[m].first];
+            for (; m < steps->shares[share]; ++m) {
+                const BoolForm target = targets[steps->moves[m].second];
+                const BoolForm source = sources[steps->moves[m].first];
                 any = dis(any, con(source, target));
             }
             move = con(move, any);

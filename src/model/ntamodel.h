@@ -21,6 +21,7 @@
 #include <fstream>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -54,8 +55,7 @@ public:
     /// readNetwork, and where the line does not parse.
     void readFormula(std::string name);
 
-    /// Computes the layout of a state and lays the tables out for the steps. The argument has no
-    /// effect.
+    /// Computes the layout of a state. The argument has no effect.
     void compNrOfBits(int k);
     /// The bits of a state, the same at every position.
     [[nodiscard]] int getSymStateLen(int pos) const;
@@ -70,7 +70,8 @@ public:
     [[nodiscard]] BoolFormVect bev(int value, int shift) const;
 
     /// s2 follows s1 by one step of the network: one action, all its automata together, every other
-    /// automaton stays. The number of the step has no effect.
+    /// automaton stays. The number of the step has no effect. Precondition, asserted: both states
+    /// have totalNrVertBits bits.
     [[nodiscard]] BoolForm actionSucc(int step, const SymState& s1, const SymState& s2) const;
     /// Every automaton is in location loc in s.
     [[nodiscard]] BoolForm properInitState(int loc, const SymState& s) const;
@@ -104,9 +105,10 @@ public:
     std::set<std::pair<Location, uint>> valuation;
 
 private:
-    /// The tables as a step walks them, laid out once: a step then looks nothing up, builds each
-    /// subformula once and costs time only for the nodes that it creates. An automaton of one
-    /// location has no bits, constrains nothing and does not occur here. Indices are 32 bits wide.
+    /// The tables as a step walks them, laid out before the first: a step then looks nothing up,
+    /// builds each subformula once and costs time only for the nodes that it creates. An automaton
+    /// of one location has no bits, constrains nothing and does not occur here. Indices are 32 bits
+    /// wide.
     struct Steps {
         /// A conjunction: that of link `parent` and one item more. Link 0 is the empty conjunction.
         /// Conjunctions that begin alike share their beginning, as their nodes do.
@@ -137,10 +139,10 @@ private:
         std::vector<Link> stays;
     };
 
-    void layOutSteps();
-    void layOutStays(const std::vector<std::vector<uint>>& owners);
+    [[nodiscard]] Steps layOutSteps() const;
+    static void layOutStays(Steps& steps, const std::vector<std::vector<uint>>& owners);
 
-    Steps steps;
+    mutable std::optional<Steps> steps; // from the first step on
     /// The locations of each proposition that the formula names, ascending. What it does not name
     /// costs nothing at any position.
     std::map<uint, std::vector<Location>> carriers;

@@ -193,7 +193,7 @@ void EctlForm::destroyTree(Node* root) const {
 
 void EctlForm::preOrder(const Node* root) const {
     for (const Node* node : prefixOrder(root)) {
-        std::cout << textOf(node->op);
+        std::cout << operStr(node->op);
         if (isVar(node->op)) std::cout << node->varNr;
     }
 }

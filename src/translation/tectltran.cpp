@@ -1,6 +1,7 @@
 #include "tectltran.h"
 
 #include <algorithm>
+#include <cassert>
 #include <ctime>
 #include <iostream>
 #include <map>
@@ -9,12 +10,42 @@ namespace {
 
 constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
 
-/// Takes the last value off the stack.
-BoolForm pop(std::vector<BoolForm>& s) {
-    const BoolForm top = s.back();
-    s.pop_back();
-    return top;
-}
+/// The stack on which a formula is translated at one state.
+class Stack {
+public:
+    Stack(const NetTimedModel& model, const SymState& state) : model(model), state(state) {}
+
+    [[nodiscard]] std::size_t size() const { return values.size(); }
+    void push(const BoolForm& f) { values.push_back(f); }
+    BoolForm pop() {
+        const BoolForm top = values.back();
+        values.pop_back();
+        return top;
+    }
+    /// Pushes true, a proposition or its negation.
+    void pushLeaf(EctlOper op, int varNr) {
+        if (op == OpTrue) {
+            push(BoolForm(true));
+        } else {
+            push(op == OpVar ? prop(varNr) : neg(prop(varNr)));
+        }
+    }
+    void pushCombined(EctlOper op, const BoolForm& left, const BoolForm& right) {
+        push(op == OpCon ? con(left, right) : dis(left, right));
+    }
+
+private:
+    BoolForm prop(int nr) {
+        const auto [entry, first] = props.try_emplace(nr, false);
+        if (first) entry->second = model.fP(nr, state);
+        return entry->second;
+    }
+
+    const NetTimedModel& model;
+    const SymState& state;
+    std::vector<BoolForm> values;
+    std::map<int, BoolForm> props; // each built once, however often the formula names it
+};
 
 std::size_t nodes() { return BoolForm::tv.size(); }
 
@@ -24,7 +55,12 @@ int EctlTransl::getStartNr(int i) const { return 1 + i * model.getSymStateLen(i)
 
 SymState EctlTransl::genSymState(int i) const { return model.genSymState(getStartNr(i), i); }
 
+const SymState& EctlTransl::state(int i) const {
+    return states[std::min(static_cast<std::size_t>(i), states.size() - 1)];
+}
+
 BoolForm EctlTransl::symbPath() {
+    assert((k + 1L) * model.totalNrVertBits <= maxVariables);
     const auto positions = static_cast<int>(std::min<long>(k + 1L, BoolForm::maxVariable));
     states.reserve(static_cast<std::size_t>(positions));
     for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
@@ -50,34 +86,23 @@ BoolForm EctlTransl::transl(const EctlForm& form) const {
 }
 
 BoolForm EctlTransl::transl(const EctlForm& form, int i) const {
-    const SymState& state = states[static_cast<std::size_t>(i)];
-    std::map<int, BoolForm> props; // each built once, however often the formula names it
-    const auto prop = [&](int nr) {
-        const auto [entry, first] = props.try_emplace(nr, false);
-        if (first) entry->second = model.fP(nr, state);
-        return entry->second;
-    };
-    std::vector<BoolForm> s;
+    Stack s(model, state(i));
     for (const OnpNode& token : form.onp) {
-        switch (token.op) {
-        case OpTrue: s.emplace_back(true); break;
-        case OpVar: s.push_back(prop(token.varNr)); break;
-        case OpNegVar: s.push_back(neg(prop(token.varNr))); break;
-        case OpCon:
-        case OpDis: {
+        if (token.op <= OpNegVar) {
+            s.pushLeaf(token.op, token.varNr);
+        } else if (token.op <= OpDis) {
             if (s.size() < 2) error("formula: an operator finds too few operands");
-            const BoolForm right = pop(s);
-            const BoolForm left = pop(s);
-            s.push_back(token.op == OpCon ? con(left, right) : dis(left, right));
-            break;
-        }
-        default: return BoolForm(false);
+            const BoolForm right = s.pop();
+            const BoolForm left = s.pop();
+            s.pushCombined(token.op, left, right);
+        } else {
+            return BoolForm(false);
         }
     }
     if (s.size() != 1) {
         error("formula: " + std::to_string(s.size()) + " formulas in place of one");
     }
-    return s.front();
+    return s.pop();
 }
 
 BoolForm EctlTransl::transl(const Node* node, int i) const {
@@ -95,24 +120,20 @@ BoolForm EctlTransl::transl(const Node* node, int i) const {
         }
     }
 
-    const SymState& state = states[static_cast<std::size_t>(i)];
-    std::vector<BoolForm> s;
+    Stack s(model, state(i));
     for (auto n = order.rbegin(); n != order.rend(); ++n) {
-        switch (*n == nullptr ? OpNone : (*n)->op) {
-        case OpTrue: s.emplace_back(true); break;
-        case OpVar: s.push_back(model.fP((*n)->varNr, state)); break;
-        case OpNegVar: s.push_back(neg(model.fP((*n)->varNr, state))); break;
-        case OpCon:
-        case OpDis: {
-            const BoolForm left = pop(s);
-            const BoolForm right = pop(s);
-            s.push_back((*n)->op == OpCon ? con(left, right) : dis(left, right));
-            break;
-        }
-        default: s.emplace_back(false);
+        const EctlOper op = *n == nullptr ? OpNone : (*n)->op;
+        if (op <= OpNegVar) {
+            s.pushLeaf(op, (*n)->varNr);
+        } else if (op <= OpDis) {
+            const BoolForm left = s.pop();
+            const BoolForm right = s.pop();
+            s.pushCombined(op, left, right);
+        } else {
+            s.push(BoolForm(false));
         }
     }
-    return s.front();
+    return s.pop();
 }
 
 void EctlTransl::checkEctlFormula(std::string name) {

@@ -23,6 +23,7 @@ public:
     [[nodiscard]] SymState genSymState(int i) const;
 
     /// Fills states and returns the path formula: the initial state and k steps. Runs once.
+    /// Precondition, asserted: (k + 1) * B <= 999999.
     [[nodiscard]] BoolForm symbPath();
 
     // The translations need the states of symbPath and carry the Boolean layer of a formula only.
@@ -48,4 +49,7 @@ public:
     /// One entry for each position, from symbPath on. Without bits all states are equal and k has
     /// no limit: then no more than a million of them are kept.
     std::vector<SymState> states;
+
+private:
+    [[nodiscard]] const SymState& state(int i) const;
 };
