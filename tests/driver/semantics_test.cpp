@@ -158,7 +158,7 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         State state = network.initial; // the formula is about one that some run may meet
         for (auto i = random() % 6; i > 0; --i) {
             const std::set<State> next = successors(network, state);
-            if (!next.empty()) state = *std::next(next.begin(), random() % next.size());
+            if (!next.empty()) state = random() % 2 == 0 ? *next.begin() : *next.rbegin();
         }
         Formula formula = randomFormula(random, network, state, 3);
         if (formula.text.find('E') != std::string::npos)
@@ -186,5 +186,5 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
             EXPECT_TRUE(std::ranges::any_of(run, formula.holds));
         }
     }
-    EXPECT_NEAR(satisfiable, networks / 2, networks / 4);
+    EXPECT_NEAR(satisfiable, 0.5 * networks, 0.25 * networks);
 }
