@@ -88,7 +88,7 @@ TEST(Refusal, damagedInputIsTakenOrRefusedInOneLine) {
             "timeout 20 \"$T\" net form 3 2>log; status=$?; sed -E "
             "'/^(Creating|End of|[Tt]ranslation|Writing|Time)/d' log >&2; exit $status");
         ASSERT_LE(run.status, 1) << run.err;
-        ++outcomes.at(run.status);
+        ++outcomes.at(static_cast<std::size_t>(run.status));
         EXPECT_EQ(std::ranges::count(run.err, '\n'), run.status) << run.err;
         // Undefined behaviour that a sanitizer stops is one line and status 1, too.
         EXPECT_EQ(run.err.find("runtime error"), std::string::npos) << run.err;

@@ -1,20 +1,11 @@
 #include "ntamodel.h"
 
+#include "network.h"
 #include "store.h"
-#include "support.h"
 
 #include <random>
 
 namespace {
-
-void read(NetTimedModel& model, const std::string& text) {
-    const Scratch dir;
-    dir.write("net.in", text);
-    testing::internal::CaptureStdout();
-    model.readNetwork(dir.path / "net");
-    testing::internal::GetCapturedStdout();
-    model.compNrOfBits(1);
-}
 
 /// The step formula as plainly as it can be said: every part built anew at each use.
 BoolForm plainStep(const NetTimedModel& model, const SymState& s1, const SymState& s2) {

@@ -1,19 +1,14 @@
 #include "tectltran.h"
 
+#include "network.h"
 #include "store.h"
-#include "support.h"
 
 namespace {
 
 class Translation : public testing::Test {
 protected:
     Translation() {
-        const Scratch dir;
-        dir.write("net.in", twoProcesses);
-        testing::internal::CaptureStdout();
-        model.readNetwork(dir.path / "net");
-        testing::internal::GetCapturedStdout();
-        model.compNrOfBits(2);
+        read(model, twoProcesses);
         emptyStore();
     }
     BoolForm tree(const EctlTransl& t, const std::string& text) const {
