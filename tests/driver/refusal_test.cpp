@@ -46,7 +46,9 @@ std::string damage(std::string& text, Random& random) {
     for (auto doublings = random() % 15; doublings > 0; --doublings) chunk += chunk;
     const std::size_t kind = random() % kinds.size();
     switch (kind) {
-    case 0: text[at] = static_cast<char>(text[at] ^ (random() & 0x8FU)); break;
+    case 0:
+        text[at] = static_cast<char>(static_cast<unsigned char>(text[at]) ^ (random() & 0x8FU));
+        break;
     case 1: text.erase(at, 1 + random() % 4); break;
     case 2: text.insert(at, 1 + random() % 3, '\0'); break;
     case 3: text.resize(at); break;
