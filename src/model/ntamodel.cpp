@@ -320,7 +320,7 @@ void NetTimedModel::layOutStays(Steps& steps, const std::vector<std::vector<uint
         uint part = 0;
         if (before != owners.size()) {
             i = firstDifference(before, action);
-            part = std::min(owner(before, i), owner(action, i));
+            part = owner(before, i);
         }
         for (; part < count; ++part) {
             after[part + 1] = after[part];
