@@ -140,6 +140,10 @@ public:
 
     int nr;
 
+    /// Makes room for that many nodes in all. A hint: whoever knows it saves the store from growing
+    /// in steps, hashing and copying what it has each time.
+    static void reserve(std::size_t nodes);
+
     /// The number of the latest node; the next one gets maxNr + 1.
     static int maxNr;
     static std::vector<Triple> tv;
