@@ -21,8 +21,8 @@ public:
     BoolFormVect(int len, int start);
     /// The constant bs. Precondition, asserted: the highest set bit of bs lies below len.
     BoolFormVect(int len, std::bitset<2048> bs);
-    /// The constant bs times 2 to the power shift. Precondition, asserted: the length of bs up to
-    /// its highest set bit plus shift is at most len.
+    /// The constant bs times 2 to the power shift, which is 0 or more. Precondition, asserted: the
+    /// length of bs up to its highest set bit plus shift is at most len.
     BoolFormVect(int len, std::bitset<2048> bs, int shift);
     BoolFormVect(const BoolFormVect& v) = default;
     /// The concatenation: a supplies the high bits, b the low ones.

@@ -65,8 +65,8 @@ public:
     /// Automaton a, from 1 to nrOfAutomata, is in location l in the state of bits loc.
     /// Precondition, asserted: loc has totalNrVertBits bits.
     [[nodiscard]] BoolForm bef(int a, int l, const BoolFormVect& loc) const;
-    /// A state of constant bits that hold value from index shift upward. Precondition, asserted:
-    /// the number fits into totalNrVertBits.
+    /// A state of constant bits that hold value from index shift, 0 or more, upward. Precondition,
+    /// asserted: the number fits into totalNrVertBits.
     [[nodiscard]] BoolFormVect bev(int value, int shift) const;
 
     /// s2 follows s1 by one step of the network: one action, all its automata together, every other

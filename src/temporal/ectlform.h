@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+/// The operators, 0 to 10: first the leaves, then the Boolean operators, then the temporal ones.
 enum EctlOper : int { OpTrue, OpVar, OpNegVar, OpCon, OpDis, OpEG, OpEX, OpEU, OpEF, OpEK, OpNone };
 
 /// The operator that the text begins with, OpNone if none.

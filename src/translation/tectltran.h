@@ -44,7 +44,7 @@ public:
     /// before any file is touched.
     void checkEctlFormula(std::string name);
 
-    int k;
+    int k; // steps
     const NetTimedModel& model;
     /// One entry for each position, from symbPath on. Without bits all states are equal and k has
     /// no limit: then no more than a million of them are kept.
