@@ -1,17 +1,12 @@
 // The store, the conversion to clauses and the writer, each on its own.
 
 #include "boolform.h"
+#include "store.h"
 
 #include <benchmark/benchmark.h>
 #include <random>
 
 namespace {
-
-void emptyStore() {
-    BoolForm::tv.clear();
-    BoolForm::mti.clear();
-    BoolForm::maxNr = BoolForm::maxVariable;
-}
 
 /// A formula of about `size` nodes, each over one recent formula and one from anywhere.
 BoolForm formula(int size) {

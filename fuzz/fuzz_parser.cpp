@@ -11,6 +11,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         assert(form == again);
         assert(form.length() >= form.temporalLength());
         (void)form.getSpecLen(7);
-        if (form.op != OpNone) assert(form.getLeft().length() < form.length() + 1);
+        assert(form.getLeft().length() + form.getRight().length() <= form.length());
     });
 }

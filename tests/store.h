@@ -1,4 +1,4 @@
-// An empty store for tests that know node numbers.
+// An empty store, for those who know node numbers or fill it again and again.
 
 #pragma once
 

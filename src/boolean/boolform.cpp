@@ -75,12 +75,13 @@ namespace {
 /// Finds the nodes by their triples: a hash table of node numbers with double hashing, at most half
 /// full. A search ends after one or two probes, where an ordered map goes down twenty levels. The
 /// first probe stays in a block of 1 KiB for 64 successive values of the newer operand: most nodes
-/// are made of recent ones, so the block is in the cache (a fifth less time for the whole run than
-/// with a first probe anywhere). The next probes go anywhere, so a full block slows nothing down.
+/// are made of recent ones, so the block is in the cache (up to a fifth less time for the whole run
+/// than with a first probe anywhere). The next probes go anywhere, so a full block does no harm.
 class Index {
 public:
     /// The node of the triple, created if it is new.
     int node(const Triple& t) {
+        // tv is open to all, so it may have been emptied.
         if (known != BoolForm::tv.size() || 2 * known >= slots.size()) rebuild(2 * known);
         const std::size_t i = slotOf(t);
         if (slots[i] == 0) {
