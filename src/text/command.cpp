@@ -1,0 +1,110 @@
+#include "command.h"
+
+#include "error.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <getopt.h>
+#include <iostream>
+#include <string_view>
+#include <system_error>
+
+namespace {
+
+const Option helpOption{"help", "", "show this help and exit"};
+const Option versionOption{"version", "", "show the version and exit"};
+
+std::string shown(const Option& option) {
+    return "--" + option.name + (option.argument.empty() ? "" : "=" + option.argument);
+}
+
+void showHelp(const Command& command, const std::vector<Option>& options) {
+    std::cout << "Usage: " << command.name << " [OPTION]... " << command.operands << '\n'
+              << command.about << "\nOptions:\n";
+    std::size_t width = 0;
+    for (const Option& option : options) width = std::max(width, shown(option).size());
+    for (const Option& option : options) {
+        std::string left = shown(option);
+        left.resize(width, ' ');
+        std::cout << "  " << left << "  ";
+        for (const char c : option.about) {
+            std::cout << c;
+            if (c == '\n') std::cout << std::string(width + 4, ' ');
+        }
+        std::cout << '\n';
+    }
+}
+
+} // namespace
+
+CommandLine::CommandLine(const Command& command, int argc, char* argv[]) : name(command.name) {
+    std::signal(SIGPIPE, SIG_IGN);
+    std::vector<Option> options = command.options;
+    options.push_back(helpOption);
+    options.push_back(versionOption);
+    std::vector<option> known;
+    for (const Option& o : options) {
+        known.push_back(
+            {o.name.c_str(), o.argument.empty() ? no_argument : required_argument, nullptr, 0});
+    }
+    known.push_back({nullptr, 0, nullptr, 0});
+
+    int index = 0;
+    for (int found = 0; (found = getopt_long(argc, argv, "", known.data(), &index)) != -1;) {
+        if (found != 0) error(hint());
+        values[options[static_cast<std::size_t>(index)].name] = optarg == nullptr ? "" : optarg;
+    }
+    if (has("help")) {
+        showHelp(command, options);
+        std::exit(finished(0));
+    }
+    if (has("version")) {
+        std::cout << name << ' ' << TERVOXAL_VERSION << '\n';
+        std::exit(finished(0));
+    }
+    operands.assign(argv + optind, argv + argc);
+    const auto count = static_cast<int>(operands.size());
+    if (count < command.least) misused("missing operand");
+    if (command.most >= 0 && count > command.most) {
+        misused("extra operand '" + operands[static_cast<std::size_t>(command.most)] + "'");
+    }
+}
+
+std::string CommandLine::value(const std::string& option, const std::string& otherwise) const {
+    const auto found = values.find(option);
+    return found == values.end() ? otherwise : found->second;
+}
+
+long CommandLine::number(const std::string& option, long least, long most, long otherwise) const {
+    if (!has(option)) return otherwise;
+    const std::string text = value(option, "");
+    long n = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, n);
+    if (parsed.ec != std::errc() || parsed.ptr != end || n < least || n > most) {
+        misused("--" + option + " needs a number from " + std::to_string(least) + " to " +
+                std::to_string(most) + ", not '" + text + "'");
+    }
+    return n;
+}
+
+void CommandLine::misused(const std::string& message) const {
+    error(name + ": " + message + '\n' + hint());
+}
+
+std::string CommandLine::hint() const { return "Try '" + name + " --help' for more information."; }
+
+int finished(int status) {
+    errno = 0;
+    std::cout.flush();
+    if (!std::cout) {
+        const int reason = errno;
+        error(std::string("cannot write to standard output") +
+              (reason != 0 ? std::string(": ") + std::strerror(reason) : ""));
+    }
+    return status;
+}

@@ -1,0 +1,23 @@
+#include "lines.h"
+
+#include "error.h"
+
+#include <filesystem>
+#include <system_error>
+
+std::ifstream openInput(const std::string& name) {
+    std::ifstream in(name);
+    std::error_code ignored;
+    if (!in || std::filesystem::is_directory(name, ignored)) {
+        error("Nie moge otworzyc pliku " + name);
+    }
+    return in;
+}
+
+bool Lines::next() {
+    while (std::getline(*in, text)) {
+        ++number;
+        if (!text.empty() && text.front() != '#') return true;
+    }
+    return false;
+}

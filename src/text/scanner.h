@@ -1,0 +1,40 @@
+// The fields of one line: words and numbers, read as formatted extraction would read them.
+//
+// White space is space, tab, vertical tab, form feed and carriage return. A number is decimal with
+// an optional sign; it ends ahead of the first character that is no digit. Numbers have a meaning
+// from 0 to 2147483647.
+
+#pragma once
+
+#include <string_view>
+
+/// What a scanner found where it looked for a number.
+enum class Found { number, nothing, negative, tooLarge };
+
+/// Space, tab, vertical tab, form feed or carriage return.
+[[nodiscard]] inline bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+
+/// The text without the blanks at its ends.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// A place in a line, which must outlive this.
+class Scanner {
+public:
+    explicit Scanner(std::string_view line) : at(line.data()), end(at + line.size()) {}
+
+    /// Goes behind the next word.
+    void skipWord();
+    /// Reads a number into n and goes behind it. Where there is none, or one without a meaning, n
+    /// stays, and the place is at what was found instead.
+    [[nodiscard]] Found number(unsigned int& n);
+    /// What stands behind this place, without the blanks at its ends.
+    [[nodiscard]] std::string_view rest() const { return trimmed({at, end}); }
+
+private:
+    void skipBlanks() {
+        while (at != end && isBlank(*at)) ++at;
+    }
+
+    const char* at;
+    const char* end;
+};
