@@ -1,0 +1,39 @@
+// Writes network files. The writer knows the lines of the format and nothing of their meaning: the
+// caller keeps the order (title, locations and transitions, valuation) and declares each location.
+//
+// A name is written so that it is read back as the same name, but for this: control characters
+// become blanks, blanks at both ends go, and the name of a proposition that begins like a number
+// gets a "_" ahead, since it would be read as one.
+
+#pragma once
+
+#include <initializer_list>
+#include <ostream>
+#include <span>
+#include <string_view>
+
+/// A network on its way to a stream, which must outlive this. Write errors stay in the stream.
+class NetworkWriter {
+public:
+    /// Writes the heading of the network.
+    NetworkWriter(std::ostream& out, std::string_view heading);
+
+    /// Begins an automaton.
+    void automaton(std::string_view title);
+    void location(unsigned int l, std::string_view name = {});
+    void transition(unsigned int source, unsigned int target, unsigned int action,
+                    std::string_view name = {});
+    /// Begins the valuation of the automaton: one call, behind all locations and transitions.
+    void valuation();
+    /// The propositions of a location; the name is that of the last one. Without a proposition
+    /// there is nothing to name.
+    void value(unsigned int l, std::span<const unsigned int> props, std::string_view name = {});
+    void value(unsigned int l, unsigned int prop, std::string_view name = {});
+    /// Ends the valuation and the automaton.
+    void endAutomaton();
+    /// Ends the network.
+    void end();
+
+private:
+    std::ostream* out;
+};
