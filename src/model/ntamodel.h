@@ -16,6 +16,7 @@
 
 #include "boolformvect.h"
 #include "ectlform.h"
+#include "error.h"
 #include "symstate.h"
 
 #include <fstream>
@@ -28,9 +29,6 @@
 #include <vector>
 
 using uint = unsigned int;
-
-/// Writes the message to standard error and ends the process with status 1.
-[[noreturn]] void error(const std::string& message);
 
 /// A declared location. Its key in the table says all there is to say.
 struct Vertex {};
@@ -49,7 +47,7 @@ public:
     /// ends the process with status 1 and one line on standard error.
     void readNetwork(std::string name);
     /// Reads one automaton, false at the closing line of the network. Ends the process like
-    /// readNetwork.
+    /// readNetwork; lines are counted from here.
     bool readAutomaton(std::ifstream& in);
     /// Reads the first significant line of name + ".in" into form. Ends the process like
     /// readNetwork, and where the line does not parse.

@@ -1,0 +1,130 @@
+// The network file into the tables of a model, and into names.
+
+#include "names.h"
+#include "ntamodel.h"
+#include "section.h"
+
+#include "error.h"
+#include "lines.h"
+
+#include <algorithm>
+#include <iostream>
+#include <type_traits>
+
+namespace {
+
+/// Enters the sections of a file into a model, and ends the process at the first fault.
+class NetworkReader {
+public:
+    /// names may be null.
+    NetworkReader(const Lines& lines, NetTimedModel& model, Names* names, bool progress)
+        : lines(lines), model(model), names(names), progress(progress) {}
+
+    void heading() {}
+    void title() {
+        section = Section();
+        automaton = static_cast<uint>(model.nrOfAutomata) + 1;
+        if (names != nullptr) name(names->automata, automaton, trimmed(lines.text));
+    }
+    void body() {
+        if (progress) std::cout << "wczytywanie automatu\n";
+        ++model.nrOfAutomata;
+    }
+    void location(uint l, const Scanner& behind) {
+        section.addLocation(l);
+        if (names != nullptr) name(names->locations, {automaton, l}, behind.rest());
+    }
+    void transition(const Transition& t, bool named, const Scanner& behind) {
+        section.addTransition(t, lines.number);
+        if (names != nullptr && named) name(names->actions, t.action, behind.rest());
+    }
+    void valuation() {
+        if (progress) std::cout << "wczytywanie wartosciowania\n";
+    }
+    void value(uint l) { section.addValue(l, lines.number); }
+    void prop(uint l, uint p) { section.addProp(l, p); }
+    void behindValue(uint /*l*/, const std::optional<uint>& p, const Scanner& behind) {
+        if (names != nullptr && p) name(names->props, *p, behind.rest());
+    }
+    void ignored() {}
+    void closed();
+    void end() {}
+
+    [[noreturn]] void refused(const std::string& message) { refused(lines.number, message); }
+    static bool mend() { return false; }
+    [[noreturn]] static void disorder(const char* message) { error(message); }
+
+private:
+    [[noreturn]] static void refused(long line, const std::string& message) {
+        error("line " + std::to_string(std::max(line, 1L)) + ": " + message);
+    }
+    /// The first name wins.
+    template <class Key>
+    static void name(std::map<Key, std::string>& of, const std::type_identity_t<Key>& key,
+                     std::string_view text) {
+        if (!text.empty()) of.try_emplace(key, text);
+    }
+
+    const Lines& lines;
+    NetTimedModel& model;
+    Names* names;
+    bool progress;
+    Section section;
+    uint automaton = 0;
+};
+
+/// Sorted once, so that each entry of the model's tables goes to their end.
+void NetworkReader::closed() {
+    section.sort();
+    const std::vector<Fault> faults = section.faults(lines.number);
+    if (!faults.empty()) {
+        refused(faults.front().line,
+                "automaton " + std::to_string(automaton) + ": " + faults.front().text);
+    }
+    for (const uint l : section.locations) {
+        model.verts.emplace_hint(model.verts.end(), std::pair(automaton, l), Vertex());
+    }
+    std::set<NetTimedModel::Move>* moves = nullptr;
+    uint latest = 0;
+    for (const auto& [action, source, target] : section.transitions) {
+        const NetTimedModel::LocalAction local(automaton, action);
+        const NetTimedModel::Move move(source, target);
+        if (moves == nullptr || action != latest) {
+            std::set<uint>& automata = model.actionAutomata[action];
+            automata.insert(automata.end(), automaton);
+            moves = &model.actionEdges.try_emplace(model.actionEdges.end(), local)->second;
+            latest = action;
+        }
+        model.edges.emplace_hint(model.edges.end(), std::pair(local, move), Edge());
+        moves->insert(moves->end(), move);
+    }
+    for (const std::uint64_t value : section.values) {
+        model.valuation.emplace_hint(model.valuation.end(),
+                                     std::pair(automaton, static_cast<uint>(value >> 32U)),
+                                     static_cast<uint>(value));
+    }
+}
+
+void read(NetTimedModel& model, Names* names, const std::string& file, bool progress) {
+    std::ifstream in = openInput(file);
+    Lines lines(in);
+    NetworkReader reader(lines, model, names, progress);
+    NetworkParser(lines, reader, model.nrOfAutomata).network();
+}
+
+} // namespace
+
+void NetTimedModel::readNetwork(std::string name) {
+    read(*this, nullptr, name.append(".in"), true);
+}
+
+bool NetTimedModel::readAutomaton(std::ifstream& in) {
+    Lines lines(in);
+    NetworkReader reader(lines, *this, nullptr, true);
+    return NetworkParser(lines, reader, nrOfAutomata).section();
+}
+
+void readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name) {
+    read(model, &names, name + ".in", false);
+    model.compNrOfBits(0);
+}

@@ -1,0 +1,77 @@
+#include "networkwriter.h"
+
+#include "scanner.h"
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+/// The name on one line, without blanks at its ends.
+std::string oneLine(std::string_view name) {
+    std::string text(name);
+    std::replace_if(
+        text.begin(), text.end(),
+        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; }, ' ');
+    return std::string(trimmed(text));
+}
+
+/// The name behind the numbers of a line, or nothing.
+void behind(std::ostream& out, std::string_view name) {
+    const std::string text = oneLine(name);
+    if (!text.empty()) out << ' ' << text;
+}
+
+/// A line that is significant and no keyword, whatever its text is.
+void title(std::ostream& out, std::string_view name) {
+    const std::string text = oneLine(name);
+    if (text.empty() || text.front() == '#' || text.starts_with("end")) out << ' ';
+    out << text << '\n';
+}
+
+bool beginsLikeNumber(std::string_view text) {
+    unsigned int n = 0;
+    return Scanner(text).number(n) != Found::nothing;
+}
+
+} // namespace
+
+NetworkWriter::NetworkWriter(std::ostream& out, std::string_view heading) : out(&out) {
+    title(out, heading);
+}
+
+void NetworkWriter::automaton(std::string_view name) { title(*out, name); }
+
+void NetworkWriter::location(unsigned int l, std::string_view name) {
+    *out << "location " << l;
+    behind(*out, name);
+    *out << "\nend\n";
+}
+
+void NetworkWriter::transition(unsigned int source, unsigned int target, unsigned int action,
+                               std::string_view name) {
+    *out << "transition " << source << ' ' << target << ' ' << action;
+    behind(*out, name);
+    *out << "\nend\n";
+}
+
+void NetworkWriter::valuation() { *out << "valuation\n"; }
+
+void NetworkWriter::value(unsigned int l, std::span<const unsigned int> props,
+                          std::string_view name) {
+    *out << l;
+    for (const unsigned int p : props) *out << ' ' << p;
+    if (!props.empty()) {
+        const std::string text = oneLine(name);
+        behind(*out, beginsLikeNumber(text) ? '_' + text : text);
+    }
+    *out << '\n';
+}
+
+void NetworkWriter::value(unsigned int l, unsigned int prop, std::string_view name) {
+    value(l, std::span(&prop, 1), name);
+}
+
+void NetworkWriter::endAutomaton() { *out << "end\nend\n"; }
+
+void NetworkWriter::end() { *out << "end\n"; }

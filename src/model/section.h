@@ -1,0 +1,47 @@
+// One automaton as a network file tells it: its declarations in the order of the file, before they
+// are known to make an automaton.
+
+#pragma once
+
+#include "networkgrammar.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// A fault and the line where it is told.
+struct Fault {
+    long line;
+    std::string text;
+};
+
+class Section {
+public:
+    void addLocation(unsigned int l) { locations.push_back(l); }
+    /// line: that of the transition.
+    void addTransition(const Transition& t, long line);
+    /// A valuation line names l.
+    void addValue(unsigned int l, long line);
+    void addProp(unsigned int l, unsigned int p) { values.push_back(std::uint64_t(l) << 32U | p); }
+
+    /// Sorts the declarations and drops repeats.
+    void sort();
+    /// Why the declarations, which are sorted, make no automaton; empty where they do: the
+    /// locations are 0 to L - 1 with L at least 1, and transitions and valuation name no other. A
+    /// fault that is not that of a line is told at the line `end`, which closes the automaton.
+    [[nodiscard]] std::vector<Fault> faults(long end) const;
+
+    std::vector<unsigned int> locations;
+    std::vector<Transition> transitions;
+    std::vector<std::uint64_t> values; // location and, in the low half, proposition
+
+private:
+    /// A location named, and the first line that names it.
+    struct Mention {
+        unsigned int location;
+        long line;
+    };
+
+    std::vector<Mention> ends;   // of transitions; each is greater than those before it
+    Mention greatestValue{0, 0}; // of the valuation; line 0: none
+};
