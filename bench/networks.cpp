@@ -1,10 +1,13 @@
 // Writes the networks and formulas that scripts/bench measures. All of it is arithmetic on the
 // parameters, so a family with its parameters gives the same bytes everywhere.
 
+#include "networkwriter.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <random>
 #include <string>
@@ -19,17 +22,22 @@ using Params = std::vector<long>;
 // The largest action number of any family is below 20 times a parameter, and has to be an int.
 constexpr long maxParam = 100000000;
 
-constexpr std::string_view endValuation = "end\nend\n";
+unsigned int number(long n) { return static_cast<unsigned int>(n); }
 
-void heading(std::ostream& net, long automaton, long nrOfLocations) {
-    net << "automaton " << automaton << '\n';
-    for (long l = 0; l < nrOfLocations; ++l) {
-        net << "location " << l << "\nend\n";
-    }
+void heading(NetworkWriter& net, long automaton, long nrOfLocations) {
+    net.automaton("automaton " + std::to_string(automaton));
+    for (long l = 0; l < nrOfLocations; ++l) net.location(number(l));
 }
 
-void transition(std::ostream& net, long source, long target, long action) {
-    net << "transition " << source << ' ' << target << ' ' << action << "\nend\n";
+void transition(NetworkWriter& net, long source, long target, long action) {
+    net.transition(number(source), number(target), number(action));
+}
+
+/// The location and its propositions as one line.
+void value(NetworkWriter& net, long location, std::initializer_list<long> props) {
+    std::vector<unsigned int> numbers;
+    for (const long p : props) numbers.push_back(number(p));
+    net.value(number(location), numbers);
 }
 
 std::string prop(long p) { return std::string("p").append(std::to_string(p)); }
@@ -38,14 +46,17 @@ std::string prop(long p) { return std::string("p").append(std::to_string(p)); }
 long below(std::mt19937& random, long bound) { return static_cast<long>(random()) % bound; }
 
 // Philosopher i takes fork i and then the next one, and puts them back in that order.
-std::string philosophers(const Params& params, std::ostream& net) {
+std::string philosophers(const Params& params, NetworkWriter& net) {
     const long n = params[0];
     for (long i = 0; i < n; ++i) {
         heading(net, i + 1, 4);
         for (long l = 0; l < 4; ++l) {
             transition(net, l, (l + 1) % 4, 10 * i + l + 1);
         }
-        net << "valuation\n1 " << 100 + i << "\n2 " << 200 + i << " 1\n" << endValuation;
+        net.valuation();
+        value(net, 1, {100 + i});
+        value(net, 2, {200 + i, 1});
+        net.endAutomaton();
     }
     for (long i = 0; i < n; ++i) {
         const long other = (i + n - 1) % n;
@@ -54,26 +65,29 @@ std::string philosophers(const Params& params, std::ostream& net) {
         transition(net, 1, 0, 10 * i + 3);
         transition(net, 0, 1, 10 * other + 2);
         transition(net, 1, 0, 10 * other + 4);
-        net << "valuation\n" << endValuation;
+        net.valuation();
+        net.endAutomaton();
     }
     return prop(100) + prop(100 + n - 1) + "&";
 }
 
 // A producer, n stages and a consumer, each handing on to the next.
-std::string pipeline(const Params& params, std::ostream& net) {
+std::string pipeline(const Params& params, NetworkWriter& net) {
     const long last = params[0] + 2;
     for (long i = 1; i <= last; ++i) {
         heading(net, i, 2);
         transition(net, 0, 1, i);
         transition(net, 1, 0, i == last ? 1000 : i + 1);
         const long p = i == 1 ? 1 : i == last ? 2 : i + 8;
-        net << "valuation\n1 " << p << '\n' << endValuation;
+        net.valuation();
+        value(net, 1, {p});
+        net.endAutomaton();
     }
     return "p1p2&";
 }
 
 // Counters that step alone and wrap around together.
-std::string counters(const Params& params, std::ostream& net) {
+std::string counters(const Params& params, NetworkWriter& net) {
     const long top = params[1] - 1;
     for (long i = 1; i <= params[0]; ++i) {
         heading(net, i, top + 1);
@@ -81,13 +95,16 @@ std::string counters(const Params& params, std::ostream& net) {
             transition(net, l, l + 1, i);
         }
         transition(net, top, 0, 0);
-        net << "valuation\n" << top << " 1\n0 2\n" << endValuation;
+        net.valuation();
+        value(net, top, {1});
+        value(net, 0, {2});
+        net.endAutomaton();
     }
     return "p1p-2&";
 }
 
 // Two walkers on a torus that always take the same direction.
-std::string grid(const Params& params, std::ostream& net) {
+std::string grid(const Params& params, NetworkWriter& net) {
     const long n = params[0];
     for (long i = 1; i <= 2; ++i) {
         heading(net, i, n * n);
@@ -100,32 +117,41 @@ std::string grid(const Params& params, std::ostream& net) {
                 transition(net, here, (row + n - 1) % n * n + column, 3);
             }
         }
-        net << "valuation\n" << n * n - 1 << " 1\n" << endValuation;
+        net.valuation();
+        value(net, n * n - 1, {1});
+        net.endAutomaton();
     }
     return "p1";
 }
 
 // One variable a position, so the path can be as long as the variables allow.
-std::string onebit(const Params&, std::ostream& net) {
+std::string onebit(const Params&, NetworkWriter& net) {
     heading(net, 1, 2);
     transition(net, 0, 1, 1);
     transition(net, 1, 0, 2);
-    net << "valuation\n1 1\n" << endValuation;
+    net.valuation();
+    value(net, 1, {1});
+    net.endAutomaton();
     return "p1";
 }
 
 // The first half of the formula is a chain that keeps the stack of a reader at two entries, the
 // second half piles up all its propositions before their operators.
-std::string tokens(const Params& params, std::ostream& net) {
+std::string tokens(const Params& params, NetworkWriter& net) {
     heading(net, 1, 2);
     transition(net, 0, 1, 1);
     transition(net, 1, 0, 2);
-    net << "valuation\n0 1\n1 2 3\n" << endValuation;
+    net.valuation();
+    value(net, 0, {1});
+    value(net, 1, {2, 3});
+    net.endAutomaton();
     heading(net, 2, 3);
     transition(net, 0, 1, 1);
     transition(net, 1, 2, 0);
     transition(net, 2, 0, 3);
-    net << "valuation\n2 4\n" << endValuation;
+    net.valuation();
+    value(net, 2, {4});
+    net.endAutomaton();
 
     std::mt19937 random(1);
     const auto operand = [&random] {
@@ -150,30 +176,34 @@ std::string tokens(const Params& params, std::ostream& net) {
     return formula;
 }
 
-std::string single(const Params& params, std::ostream& net) {
+std::string single(const Params& params, NetworkWriter& net) {
     const long locations = params[0];
     std::mt19937 random(1);
     heading(net, 1, locations);
     for (long i = 0; i < params[1]; ++i) {
         transition(net, i % locations, below(random, locations), 1 + i / locations);
     }
-    net << "valuation\n" << locations - 1 << " 1\n" << endValuation;
+    net.valuation();
+    value(net, locations - 1, {1});
+    net.endAutomaton();
     return "p1";
 }
 
-std::string own(const Params& params, std::ostream& net) {
+std::string own(const Params& params, NetworkWriter& net) {
     for (long i = 1; i <= params[0]; ++i) {
         heading(net, i, 2);
         transition(net, 0, 1, i);
         transition(net, 1, 0, i);
-        net << "valuation\n1 " << i << '\n' << endValuation;
+        net.valuation();
+        value(net, 1, {i});
+        net.endAutomaton();
     }
     return prop(1) + prop(params[0]) + "&";
 }
 
 // Every location carries a tenth of the propositions, and hardly any has a transition, so that
 // the valuation is all there is to the size.
-std::string valuation(const Params& params, std::ostream& net) {
+std::string valuation(const Params& params, NetworkWriter& net) {
     const long entries = params[0];
     const long props = params[1];
     const long perLocation = std::max(1L, props / 10);
@@ -184,20 +214,18 @@ std::string valuation(const Params& params, std::ostream& net) {
         heading(net, a + 1, locations);
         transition(net, 0, 1, 1);
         transition(net, 1, 0, 2);
-        net << "valuation\n";
+        net.valuation();
         for (long l = 0; l < locations; ++l) {
             const long first = (a * locations + l) * perLocation;
             const long count = std::min(perLocation, entries - first);
             if (count <= 0) {
                 break;
             }
-            net << l;
-            for (long j = 0; j < count; ++j) {
-                net << ' ' << 1 + (l + 10 * j) % props;
-            }
-            net << '\n';
+            std::vector<unsigned int> carried;
+            for (long j = 0; j < count; ++j) carried.push_back(number(1 + (l + 10 * j) % props));
+            net.value(number(l), carried);
         }
-        net << endValuation;
+        net.endAutomaton();
     }
     return "p1p2+";
 }
@@ -206,7 +234,7 @@ std::string valuation(const Params& params, std::ostream& net) {
 struct Family {
     std::string_view name;
     std::string_view letters; // one for each parameter
-    std::string (*write)(const Params& params, std::ostream& net);
+    std::string (*write)(const Params& params, NetworkWriter& net);
     std::string_view about;
 };
 
@@ -243,7 +271,7 @@ int usage() {
 }
 
 // 0 for a text that is no parameter.
-long number(std::string_view text) {
+long parameter(std::string_view text) {
     long value = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, status] = std::from_chars(text.data(), end, value);
@@ -252,18 +280,16 @@ long number(std::string_view text) {
 }
 
 int generate(const Family& family, const Params& params, const std::string& base) {
-    std::ofstream net(base + ".in");
-    net << family.name;
-    for (const long p : params) {
-        net << ' ' << p;
-    }
-    net << '\n';
+    std::string heading(family.name);
+    for (const long p : params) heading += ' ' + std::to_string(p);
+    std::ofstream file(base + ".in");
+    NetworkWriter net(file, heading);
     std::ofstream formula(base + "-formula.in");
     formula << family.write(params, net) << '\n';
-    net << "end\n";
-    net.close();
+    net.end();
+    file.close();
     formula.close();
-    if (!net || !formula) {
+    if (!file || !formula) {
         std::cerr << "networks: cannot write " << base << ".in and " << base << "-formula.in\n";
         return 1;
     }
@@ -283,7 +309,7 @@ int main(int argc, char** argv) {
         }
         Params params;
         for (std::size_t i = 0; i < family.letters.size(); ++i) {
-            params.push_back(number(arguments[i + 1]));
+            params.push_back(parameter(arguments[i + 1]));
         }
         if (std::find(params.begin(), params.end(), 0) == params.end()) {
             return generate(family, params, arguments.back());
