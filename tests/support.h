@@ -44,11 +44,12 @@ public:
         return std::filesystem::exists(path / name);
     }
 
-    /// Runs a shell command in the directory. $T stands for the real binary, $N for the generator
-    /// of network families.
+    /// Runs a shell command in the directory. $T stands for the real binary, $D for the directory
+    /// that it and its companions are in, $N for the generator of network families.
     [[nodiscard]] Outcome run(const std::string& command) const {
-        const std::string shell = "cd '" + path.string() + "' && T='" + TERVOXAL_BINARY + "' N='" +
-                                  NETWORKS_BINARY + "' && { " + command + "; } >stdout 2>stderr";
+        const std::string shell = "cd '" + path.string() + "' && T='" + TERVOXAL_BINARY + "' D='" +
+                                  BINARIES + "' N='" + NETWORKS_BINARY + "' && { " + command +
+                                  "; } >stdout 2>stderr";
         const int status = std::system(shell.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), read("stdout"),
                 read("stderr")};
