@@ -4,8 +4,4 @@
 
 #include "boolform.h"
 
-inline void emptyStore() {
-    BoolForm::tv.clear();
-    BoolForm::mti.clear();
-    BoolForm::maxNr = BoolForm::maxVariable;
-}
+inline void emptyStore() { BoolForm::clear(); }

@@ -1,4 +1,5 @@
-// Shared propositional formulas, their conversion to clauses and the DIMACS writer.
+// Shared propositional formulas: their store and the rules that build them. This header also gives
+// the clauses of a formula (clauses.h) and the file of clauses (dimacs.h).
 //
 // A formula is a signed number. The composed formulas live in one store of the process, a directed
 // acyclic graph with structural hashing: building the same formula twice gives the same number.
@@ -21,11 +22,13 @@
 
 #pragma once
 
+#include "clauses.h"
+#include "dimacs.h"
+
 #include <cstddef>
 #include <limits>
 #include <map>
 #include <set>
-#include <string>
 #include <vector>
 
 /// The kinds of composed nodes. Disjunction, implication and inequality are derived from them.
@@ -51,28 +54,6 @@ inline bool operator==(const Triple& a, const Triple& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
 }
 
-/// A clause of at most three literals in normal form: ascending absolute values, a repeated literal
-/// removed, 0 for no literal. Literals are formula numbers of variables and composed nodes.
-struct Clause {
-    int l1;
-    int l2;
-    int l3;
-
-    /// Takes the literals in any order; 0 stands for none.
-    Clause(int x, int y, int z);
-};
-
-/// Lexicographic over l1, l2, l3 as signed numbers: the order of the clauses in the file.
-inline bool operator<(const Clause& a, const Clause& b) {
-    if (a.l1 != b.l1) return a.l1 < b.l1;
-    if (a.l2 != b.l2) return a.l2 < b.l2;
-    return a.l3 < b.l3;
-}
-
-inline bool operator==(const Clause& a, const Clause& b) {
-    return a.l1 == b.l1 && a.l2 == b.l2 && a.l3 == b.l3;
-}
-
 /// The nodes of the store as an ordered map from triples to numbers. A view of tv, which takes over
 /// what tv has gained when it is looked at: a run finds its nodes through a hash table and never
 /// looks. An ordered map for finding them took up to half as long again for the whole run, and 13
@@ -81,19 +62,15 @@ class TripleMap {
 public:
     using Map = std::map<Triple, int>;
 
-    operator const Map&() const { return all(); }
     [[nodiscard]] Map::const_iterator begin() const { return all().begin(); }
     [[nodiscard]] Map::const_iterator end() const { return all().end(); }
     [[nodiscard]] Map::const_iterator find(const Triple& t) const { return all().find(t); }
-    [[nodiscard]] Map::const_iterator lower_bound(const Triple& t) const {
-        return all().lower_bound(t);
-    }
     [[nodiscard]] bool contains(const Triple& t) const { return all().contains(t); }
     [[nodiscard]] std::size_t count(const Triple& t) const { return all().count(t); }
     [[nodiscard]] int at(const Triple& t) const { return all().at(t); }
     [[nodiscard]] std::size_t size() const { return all().size(); }
     [[nodiscard]] bool empty() const { return all().empty(); }
-    /// Goes together with emptying tv.
+    /// Forgets what was taken over. BoolForm::clear does it.
     void clear() { nodes.clear(); }
 
 private:
@@ -140,9 +117,18 @@ public:
 
     int nr;
 
+    /// Whether nr is the number of a composed node, without negation.
+    [[nodiscard]] static bool isNode(int nr) { return nr > maxVariable; }
+    /// The triple of a node of the store.
+    [[nodiscard]] static const Triple& triple(int node) {
+        return tv[static_cast<std::size_t>(node) - maxVariable - 1];
+    }
     /// Makes room for that many nodes in all. A hint: whoever knows it saves the store from growing
     /// in steps, hashing and copying what it has each time.
     static void reserve(std::size_t nodes);
+    /// Empties the store: no node is left, the next one gets number 1000001, and memory is given
+    /// back. Formulas that are no constant or variable lose their meaning. A run never does this.
+    static void clear();
 
     /// The number of the latest node; the next one gets maxNr + 1.
     static int maxNr;
@@ -162,23 +148,3 @@ public:
 [[nodiscard]] BoolForm value(const BoolForm& a, int v, bool b);
 /// Identity in the store, not logical equivalence.
 [[nodiscard]] inline bool operator==(const BoolForm& a, const BoolForm& b) { return a.nr == b.nr; }
-
-// The DIMACS file. The writer renumbers: with m the largest variable that occurs, a variable keeps
-// its number and node n becomes n - 1000000 + m. Clauses is a std::set<Clause>, or a sorted
-// std::vector<Clause> without repeats.
-
-/// The largest absolute value of any literal, 0 if there is none.
-template <class Clauses>
-[[nodiscard]] int maxCNFVarNr(const Clauses& cs);
-/// The largest variable that occurs, 0 if there is none.
-template <class Clauses>
-[[nodiscard]] int maxCNFOrgVarNr(const Clauses& cs);
-/// Writes cs to name + ".cnf", renumbered. A file that cannot be written is not reported.
-template <class Clauses>
-void showCNF(const Clauses& cs, std::string name);
-/// Writes cs to "test.cnf" in the current directory with the numbers of the store.
-template <class Clauses>
-void showCNF(const Clauses& cs);
-/// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute
-/// value among them, 0 if there is none.
-int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v);

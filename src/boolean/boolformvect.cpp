@@ -11,18 +11,17 @@ int lengthOf(std::bitset<2048> bs) {
     return bsLen;
 }
 
-/// Puts constant true at index shift + i for each set bit i below len.
-void setBits(BoolFormVect& v, const std::bitset<2048>& bs, int shift) {
-    for (int i = 0; i + shift < v.len; ++i) {
-        const auto bit = static_cast<std::size_t>(i);
-        if (bit < bs.size() && bs[bit])
-            v.bits[bit + static_cast<std::size_t>(shift)] = BoolForm(true);
-    }
-}
-
 bool bitOf(unsigned int c, int i) { return i < 32 && (c >> static_cast<unsigned>(i) & 1U) != 0; }
 
 } // namespace
+
+void BoolFormVect::setBits(const std::bitset<2048>& bs, int shift) {
+    for (int i = 0; i + shift < len; ++i) {
+        const auto bit = static_cast<std::size_t>(i);
+        if (bit < bs.size() && bs[bit])
+            bits[bit + static_cast<std::size_t>(shift)] = BoolForm(true);
+    }
+}
 
 BoolFormVect::BoolFormVect(int len, int start)
     : len(len), bits(static_cast<std::size_t>(len), BoolForm(false)) {
@@ -33,14 +32,14 @@ BoolFormVect::BoolFormVect(int len, std::bitset<2048> bs)
     : len(len), bits(static_cast<std::size_t>(len), BoolForm(false)) {
     const int bsLen = lengthOf(bs);
     assert(bsLen <= len);
-    setBits(*this, bs, 0);
+    setBits(bs, 0);
 }
 
 BoolFormVect::BoolFormVect(int len, std::bitset<2048> bs, int shift)
     : len(len), bits(static_cast<std::size_t>(len), BoolForm(false)) {
     const int bsLen = lengthOf(bs);
     assert(bsLen + shift <= len);
-    setBits(*this, bs, shift);
+    setBits(bs, shift);
 }
 
 BoolFormVect::BoolFormVect(const BoolFormVect& a, const BoolFormVect& b)
@@ -157,7 +156,7 @@ bool operator==(const BoolFormVect& a1, const BoolFormVect& a2) {
 
 BoolForm eq(const BoolFormVect& a, unsigned int c) {
     BoolForm r(true);
-    for (int i = 0; i < a.len; ++i) r = con(r, bitOf(c, i) ? a[i] : neg(a[i]));
+    for (int i = 0; i < a.size(); ++i) r = con(r, bitOf(c, i) ? a[i] : neg(a[i]));
     return r;
 }
 
@@ -167,7 +166,7 @@ BoolForm lt(const BoolFormVect& a, unsigned int c) {
     while (!bitOf(c, i)) ++i;
     // r says that a up to bit i is less than c up to bit i
     BoolForm r = neg(a[i]);
-    for (++i; i < a.len; ++i) {
+    for (++i; i < a.size(); ++i) {
         r = bitOf(c, i) ? dis(con(a[i], r), neg(a[i])) : con(r, neg(a[i]));
     }
     return r;
@@ -199,7 +198,9 @@ BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y) {
     return r;
 }
 
-BoolFormVect succ(const BoolFormVect& x) { return x + BoolFormVect(x.len, std::bitset<2048>(1)); }
+BoolFormVect succ(const BoolFormVect& x) {
+    return x + BoolFormVect(x.size(), std::bitset<2048>(1));
+}
 
 BoolFormVect operator-(const BoolFormVect& x, const BoolFormVect& y) {
     assert(x.len == y.len);

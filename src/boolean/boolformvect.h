@@ -13,7 +13,8 @@
 #include <bitset>
 #include <vector>
 
-/// An unsigned number of len bits. Copying it copies len and the bits.
+/// An unsigned number of len bits. Copying it copies the bits. From outside they are read
+/// through size and operator[], and never written.
 class BoolFormVect {
 public:
     BoolFormVect() = default;
@@ -49,8 +50,26 @@ public:
     /// The difference to b is even.
     [[nodiscard]] BoolForm evenDiff(const BoolFormVect& b) const;
 
+private:
+    /// Puts constant true at index shift + i for each set bit i below len.
+    void setBits(const std::bitset<2048>& bs, int shift);
+
     int len = 0;
     std::vector<BoolForm> bits;
+
+    // Their assertions name the lengths.
+    friend BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2, int from, int count);
+    friend BoolForm gt(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm geq(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm lt(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm leq(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm twice(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolForm isEvenPred(const BoolFormVect& x, const BoolFormVect& y);
+    friend BoolForm isSucc(const BoolFormVect& x, const BoolFormVect& y);
+    friend bool operator==(const BoolFormVect& a1, const BoolFormVect& a2);
+    friend BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y);
+    friend BoolFormVect operator-(const BoolFormVect& x, const BoolFormVect& y);
 };
 
 // Relations of two vectors. Precondition, asserted: equal lengths.
