@@ -1,11 +1,13 @@
 #include "dimacs.h"
 
 #include "boolform.h"
+#include "outputfile.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <fstream>
+#include <string_view>
+#include <vector>
 
 int fileNr(int literal, int shift) {
     if (literal > BoolForm::maxVariable) return literal - shift;
@@ -18,11 +20,7 @@ namespace {
 /// Formats numbers and words into one large block and hands full blocks to the file.
 class BlockWriter {
 public:
-    explicit BlockWriter(const std::string& file) : out(file, std::ios::binary), block(blockSize) {}
-    ~BlockWriter() { flush(); }
-    BlockWriter(const BlockWriter&) = delete;
-    BlockWriter& operator=(const BlockWriter&) = delete;
-
+    explicit BlockWriter(const std::string& file) : out(file), block(blockSize) {}
     void text(const char* word) {
         while (*word != 0) put(*word++);
     }
@@ -37,15 +35,20 @@ public:
         if (used > blockSize - lineSize) flush();
     }
 
+    void close() {
+        flush();
+        out.close();
+    }
+
 private:
     void flush() {
-        out.write(block.data(), static_cast<std::streamsize>(used));
+        out.write(std::string_view(block.data(), used));
         used = 0;
     }
 
     static constexpr std::size_t blockSize = 1U << 18U;
     static constexpr std::size_t lineSize = 64; // no line is longer
-    std::ofstream out;
+    OutputFile out;
     std::vector<char> block;
     std::size_t used = 0;
 };
@@ -86,6 +89,7 @@ void write(const Clauses& cs, const std::string& file, int top, int shift) {
         out.put('0');
         out.endLine();
     }
+    out.close();
 }
 
 template <class Clauses>

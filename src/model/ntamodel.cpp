@@ -1,6 +1,7 @@
 #include "ntamodel.h"
 
 #include "lines.h"
+#include "outputfile.h"
 
 #include <algorithm>
 #include <bitset>
@@ -261,8 +262,12 @@ BoolForm NetTimedModel::fH(const SymState& s1, const SymState& s2) const {
 }
 
 void NetTimedModel::showLCK(int k, int maxVar, std::string name) const {
-    std::ofstream out(name.append(".lck"));
-    out << nrOfAutomata << '\n';
-    for (int a = 1; a <= nrOfAutomata; ++a) out << nrOfBits[static_cast<std::size_t>(a)] << ' ';
-    out << '\n' << k << '\n' << maxVar << '\n';
+    std::string bits;
+    for (int a = 1; a <= nrOfAutomata; ++a) {
+        bits += std::to_string(nrOfBits[static_cast<std::size_t>(a)]) + ' ';
+    }
+    OutputFile out(name.append(".lck"));
+    out.write(std::to_string(nrOfAutomata) + '\n' + bits + '\n' + std::to_string(k) + '\n' +
+              std::to_string(maxVar) + '\n');
+    out.close();
 }

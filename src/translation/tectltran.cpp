@@ -1,5 +1,7 @@
 #include "tectltran.h"
 
+#include "outputfile.h"
+
 #include <algorithm>
 #include <cassert>
 #include <ctime>
@@ -49,6 +51,14 @@ private:
 
 std::size_t nodes() { return BoolForm::tv.size(); }
 
+/// The nodes of the whole run, for the store to make room. From the second step on all create as
+/// many, and the formula gets an eighth on top. To grow the store in steps took a tenth more time
+/// for the whole run; to make room where no step is left, a tenth more memory.
+std::size_t expectedNodes(std::size_t ofOneStep, std::size_t stepsLeft) {
+    const std::size_t ofPath = nodes() + stepsLeft * ofOneStep;
+    return ofPath + ofPath / 8;
+}
+
 } // namespace
 
 int EctlTransl::getStartNr(int i) const { return 1 + i * model.getSymStateLen(i); }
@@ -70,12 +80,8 @@ BoolForm EctlTransl::symbPath() {
         const std::size_t before = nodes();
         const BoolForm step = model.actionSucc(static_cast<int>(i) + 1, states[i], states[i + 1]);
         path = con(path, step);
-        // From the second step on all create as many nodes, and the formula gets an eighth on top.
-        // To grow the store in steps took a tenth more time for the whole run.
-        if (i == 1) {
-            const std::size_t all = nodes() + (states.size() - 3) * (nodes() - before);
-            BoolForm::reserve(all + all / 8);
-        }
+        const std::size_t left = states.size() - 2 - i;
+        if (i == 1 && left > 0) BoolForm::reserve(expectedNodes(nodes() - before, left));
         if (model.totalNrVertBits == 0) break; // every step is the same constant
     }
     return path;
@@ -169,6 +175,7 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cerr << clauses.size() << '\n';
 
     std::cerr << "Writing down clauses ";
+    removeOutput(name + ".lck"); // never beside a clause file that it does not go with
     showCNF(clauses, name);
     model.showLCK(k, maxCNFOrgVarNr(clauses), name);
     clauses.clear();
