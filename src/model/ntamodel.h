@@ -22,7 +22,6 @@
 #include <fstream>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -69,7 +68,8 @@ public:
 
     /// s2 follows s1 by one step of the network: one action, all its automata together, every other
     /// automaton stays. The number of the step has no effect. Precondition, asserted: both states
-    /// have totalNrVertBits bits.
+    /// have totalNrVertBits bits. Lays out a Step of its own, so a path takes one for all its
+    /// steps.
     [[nodiscard]] BoolForm actionSucc(int step, const SymState& s1, const SymState& s2) const;
     /// Every automaton is in location loc in s.
     [[nodiscard]] BoolForm properInitState(int loc, const SymState& s) const;
@@ -103,44 +103,6 @@ public:
     std::set<std::pair<Location, uint>> valuation;
 
 private:
-    /// The tables as a step walks them, laid out before the first: a step then looks nothing up,
-    /// builds each subformula once and costs time only for the nodes that it creates. An automaton
-    /// of one location has no bits, constrains nothing and does not occur here. Indices are 32 bits
-    /// wide.
-    struct Steps {
-        /// A conjunction: that of link `parent` and one item more. Link 0 is the empty conjunction.
-        /// Conjunctions that begin alike share their beginning, as their nodes do.
-        struct Link {
-            uint parent;
-            uint item;
-        };
-        /// The bits of an automaton within a state.
-        struct Part {
-            int shift;
-            int bits;
-        };
-        /// An action: the end of its shares, and the link of the parts that stay.
-        struct Action {
-            uint sharesEnd;
-            uint stay;
-        };
-
-        /// Of items that are twice the index of a bit within a state, plus the value of the bit.
-        std::vector<Link> locations;
-        /// Source and target, links of locations.
-        std::vector<std::pair<uint, uint>> moves;
-        /// Of an automaton in an action: the end of its moves.
-        std::vector<uint> shares;
-        std::vector<Action> actions;
-        std::vector<Part> parts;
-        /// Of items that are indices of parts.
-        std::vector<Link> stays;
-    };
-
-    [[nodiscard]] Steps layOutSteps() const;
-    static void layOutStays(Steps& steps, const std::vector<std::vector<uint>>& owners);
-
-    mutable std::optional<Steps> steps; // from the first step on
     /// The locations of each proposition that the formula names, ascending. What it does not name
     /// costs nothing at any position.
     std::map<uint, std::vector<Location>> carriers;

@@ -1,6 +1,7 @@
 #include "tectltran.h"
 
 #include "outputfile.h"
+#include "step.h"
 
 #include <algorithm>
 #include <cassert>
@@ -75,11 +76,12 @@ BoolForm EctlTransl::symbPath() {
     states.reserve(static_cast<std::size_t>(positions));
     for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
 
+    Step step(model);
     BoolForm path = model.properInitState(0, states[0]);
     for (std::size_t i = 0; i + 1 < states.size(); ++i) {
         const std::size_t before = nodes();
-        const BoolForm step = model.actionSucc(static_cast<int>(i) + 1, states[i], states[i + 1]);
-        path = con(path, step);
+        const BoolForm next = step.formula(states[i], states[i + 1]);
+        path = con(path, next);
         const std::size_t left = states.size() - 2 - i;
         if (i == 1 && left > 0) BoolForm::reserve(expectedNodes(nodes() - before, left));
         if (model.totalNrVertBits == 0) break; // every step is the same constant
