@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -95,13 +96,12 @@ std::string quoted(char c) {
 
 /// The nodes of a tree in prefix order, so every operand stands behind its operator. Walked
 /// backwards, the operands of an operator come right before left and both before it.
-template <class NodePointer>
-std::vector<NodePointer> prefixOrder(NodePointer root) {
-    std::vector<NodePointer> order;
-    std::vector<NodePointer> open;
+std::vector<const Node*> prefixOrder(const Node* root) {
+    std::vector<const Node*> order;
+    std::vector<const Node*> open;
     if (root != nullptr) open.push_back(root);
     while (!open.empty()) {
-        NodePointer const node = open.back();
+        const Node* const node = open.back();
         open.pop_back();
         order.push_back(node);
         if (node->right != nullptr) open.push_back(node->right);
@@ -188,7 +188,18 @@ Node* EctlForm::buildTree() const {
 }
 
 void EctlForm::destroyTree(Node* root) const {
-    for (const Node* node : prefixOrder(root)) delete node;
+    std::vector<Node*> open;
+    if (root != nullptr) open.push_back(root);
+    while (!open.empty()) {
+        Node* const node = open.back();
+        Node*& operand = node->left != nullptr ? node->left : node->right;
+        if (operand != nullptr) {
+            open.push_back(std::exchange(operand, nullptr));
+        } else {
+            open.pop_back();
+            delete node;
+        }
+    }
 }
 
 void EctlForm::preOrder(const Node* root) const {

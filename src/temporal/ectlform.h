@@ -66,7 +66,7 @@ public:
 
     /// The tree, owned by the caller; null for OpNone.
     [[nodiscard]] Node* buildTree() const;
-    /// Frees the tree under root, which may be null.
+    /// Frees the tree under root, which may be null: left operands, then right ones, then the node.
     void destroyTree(Node* root) const;
     /// Prints the tree under root, which may be null, in prefix notation on standard output.
     void preOrder(const Node* root) const;
