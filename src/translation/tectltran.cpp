@@ -13,41 +13,96 @@ namespace {
 
 constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
 
-/// The stack on which a formula is translated at one state.
-class Stack {
-public:
-    Stack(const NetTimedModel& model, const SymState& state) : model(model), state(state) {}
-
-    [[nodiscard]] std::size_t size() const { return values.size(); }
-    void push(const BoolForm& f) { values.push_back(f); }
-    BoolForm pop() {
-        const BoolForm top = values.back();
-        values.pop_back();
-        return top;
-    }
-    /// Pushes true, a proposition or its negation.
-    void pushLeaf(EctlOper op, int varNr) {
-        if (op == OpTrue) {
-            push(BoolForm(true));
+/// Ends the process on a program that has no value: one that neither comes to a temporal operator,
+/// which makes it false, nor leaves exactly one formula.
+void refuseWithoutValue(const std::vector<OnpNode>& program) {
+    std::size_t formulas = 0;
+    for (const OnpNode& token : program) {
+        if (token.op > OpDis) return;
+        if (token.op <= OpNegVar) {
+            ++formulas;
         } else {
-            push(op == OpVar ? prop(varNr) : neg(prop(varNr)));
+            if (formulas < 2) error("formula: an operator finds too few operands");
+            --formulas;
         }
     }
-    void pushCombined(EctlOper op, const BoolForm& left, const BoolForm& right) {
-        push(op == OpCon ? con(left, right) : dis(left, right));
+    if (formulas != 1) {
+        error("formula: " + std::to_string(formulas) + " formulas in place of one");
+    }
+}
+
+/// Evaluates formulas at one state. Keeps what a proposition is there, so each is built once,
+/// however often it is named.
+class Evaluator {
+public:
+    Evaluator(const NetTimedModel& model, const SymState& state) : model(model), state(state) {}
+
+    /// Of a program that is not refused.
+    BoolForm value(const std::vector<OnpNode>& program) {
+        for (const OnpNode& token : program) {
+            if (token.op <= OpNegVar) {
+                push(leaf(token.op, token.varNr));
+            } else if (token.op <= OpDis) {
+                const BoolForm right = pop();
+                const BoolForm left = pop();
+                push(combined(token.op, left, right));
+            } else {
+                return BoolForm(false);
+            }
+        }
+        return pop();
+    }
+
+    BoolForm value(const Node* root) {
+        // Operators before operands, left before right; walked backwards, the right operand is
+        // built first and the operator last.
+        std::vector<const Node*> order;
+        std::vector<const Node*> open = {root};
+        while (!open.empty()) {
+            const Node* const node = open.back();
+            open.pop_back();
+            order.push_back(node);
+            if (node != nullptr && (node->op == OpCon || node->op == OpDis)) {
+                open.push_back(node->right);
+                open.push_back(node->left);
+            }
+        }
+        for (auto node = order.rbegin(); node != order.rend(); ++node) {
+            const EctlOper op = *node == nullptr ? OpNone : (*node)->op;
+            if (op <= OpNegVar) {
+                push(leaf(op, (*node)->varNr));
+            } else if (op <= OpDis) {
+                const BoolForm left = pop();
+                const BoolForm right = pop();
+                push(combined(op, left, right));
+            } else {
+                push(BoolForm(false));
+            }
+        }
+        return pop();
     }
 
 private:
-    BoolForm prop(int nr) {
-        const auto [entry, first] = props.try_emplace(nr, false);
-        if (first) entry->second = model.fP(nr, state);
-        return entry->second;
+    void push(const BoolForm& f) { stack.push_back(f); }
+    BoolForm pop() {
+        const BoolForm top = stack.back();
+        stack.pop_back();
+        return top;
+    }
+    BoolForm leaf(EctlOper op, int varNr) {
+        if (op == OpTrue) return BoolForm(true);
+        const auto [known, first] = props.try_emplace(varNr, false);
+        if (first) known->second = model.fP(varNr, state);
+        return op == OpVar ? known->second : neg(known->second);
+    }
+    static BoolForm combined(EctlOper op, const BoolForm& left, const BoolForm& right) {
+        return op == OpCon ? con(left, right) : dis(left, right);
     }
 
     const NetTimedModel& model;
     const SymState& state;
-    std::vector<BoolForm> values;
-    std::map<int, BoolForm> props; // each built once, however often the formula names it
+    std::vector<BoolForm> stack;
+    std::map<int, BoolForm> props;
 };
 
 std::size_t nodes() { return BoolForm::tv.size(); }
@@ -90,9 +145,10 @@ BoolForm EctlTransl::symbPath() {
 }
 
 BoolForm EctlTransl::transl(const EctlForm& form) const {
+    refuseWithoutValue(form.onp);
     BoolForm r(false);
-    for (std::size_t i = 0; i < states.size(); ++i) {
-        const BoolForm here = transl(form, static_cast<int>(i));
+    for (const SymState& s : states) {
+        const BoolForm here = Evaluator(model, s).value(form.onp);
         r = dis(r, here);
         if (model.totalNrVertBits == 0) break; // the same constant at every position
     }
@@ -101,54 +157,12 @@ BoolForm EctlTransl::transl(const EctlForm& form) const {
 }
 
 BoolForm EctlTransl::transl(const EctlForm& form, int i) const {
-    Stack s(model, state(i));
-    for (const OnpNode& token : form.onp) {
-        if (token.op <= OpNegVar) {
-            s.pushLeaf(token.op, token.varNr);
-        } else if (token.op <= OpDis) {
-            if (s.size() < 2) error("formula: an operator finds too few operands");
-            const BoolForm right = s.pop();
-            const BoolForm left = s.pop();
-            s.pushCombined(token.op, left, right);
-        } else {
-            return BoolForm(false);
-        }
-    }
-    if (s.size() != 1) {
-        error("formula: " + std::to_string(s.size()) + " formulas in place of one");
-    }
-    return s.pop();
+    refuseWithoutValue(form.onp);
+    return Evaluator(model, state(i)).value(form.onp);
 }
 
 BoolForm EctlTransl::transl(const Node* node, int i) const {
-    // Operators before operands, left before right; walked backwards, the right operand is built
-    // first and the operator last.
-    std::vector<const Node*> order;
-    std::vector<const Node*> open = {node};
-    while (!open.empty()) {
-        const Node* const n = open.back();
-        open.pop_back();
-        order.push_back(n);
-        if (n != nullptr && (n->op == OpCon || n->op == OpDis)) {
-            open.push_back(n->right);
-            open.push_back(n->left);
-        }
-    }
-
-    Stack s(model, state(i));
-    for (auto n = order.rbegin(); n != order.rend(); ++n) {
-        const EctlOper op = *n == nullptr ? OpNone : (*n)->op;
-        if (op <= OpNegVar) {
-            s.pushLeaf(op, (*n)->varNr);
-        } else if (op <= OpDis) {
-            const BoolForm left = s.pop();
-            const BoolForm right = s.pop();
-            s.pushCombined(op, left, right);
-        } else {
-            s.push(BoolForm(false));
-        }
-    }
-    return s.pop();
+    return Evaluator(model, state(i)).value(node);
 }
 
 void EctlTransl::checkEctlFormula(std::string name) {
@@ -157,6 +171,7 @@ void EctlTransl::checkEctlFormula(std::string name) {
         error("path needs " + std::to_string(needed) + " variables, the limit is " +
               std::to_string(maxVariables));
     }
+    refuseWithoutValue(model.form->onp);
 
     const EctlForm form = *model.form;
     const std::clock_t start = std::clock();

@@ -40,8 +40,8 @@ public:
 
     /// Writes name + ".cnf", satisfiable exactly when a run of k steps meets the model's formula at
     /// some position, and name + ".lck". Progress goes to the standard streams. Runs once. A path
-    /// that needs too many variables ends the process with status 1 and one line on standard error,
-    /// before any file is touched.
+    /// that needs too many variables, or else a formula that transl refuses, ends the process with
+    /// status 1 and one line on standard error, before a step is built or any file is touched.
     void checkEctlFormula(std::string name);
 
     int k; // steps
