@@ -4,7 +4,6 @@
 #include "outputfile.h"
 #include "step.h"
 
-#include <algorithm>
 #include <bitset>
 #include <cassert>
 
