@@ -3,6 +3,7 @@
 #include "store.h"
 #include "support.h"
 
+#include <algorithm>
 #include <random>
 
 namespace {
