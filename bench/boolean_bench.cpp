@@ -1,7 +1,6 @@
 // The store, the conversion to clauses and the writer, each on its own.
 
 #include "boolform.h"
-#include "store.h"
 
 #include <benchmark/benchmark.h>
 #include <random>
@@ -25,21 +24,21 @@ BoolForm formula(int size) {
 
 void createNodes(benchmark::State& state) {
     for (auto _ : state) {
-        emptyStore();
+        BoolForm::clear();
         benchmark::DoNotOptimize(formula(static_cast<int>(state.range())));
     }
     state.SetItemsProcessed(state.iterations() * state.range());
 }
 
 void findNodes(benchmark::State& state) {
-    emptyStore();
+    BoolForm::clear();
     (void)formula(static_cast<int>(state.range()));
     for (auto _ : state) benchmark::DoNotOptimize(formula(static_cast<int>(state.range())));
     state.SetItemsProcessed(state.iterations() * state.range());
 }
 
 void convert(benchmark::State& state) {
-    emptyStore();
+    BoolForm::clear();
     const BoolForm f = formula(static_cast<int>(state.range()));
     std::size_t clauses = 0;
     for (auto _ : state) clauses += f.clauses().size();
@@ -47,7 +46,7 @@ void convert(benchmark::State& state) {
 }
 
 void write(benchmark::State& state) {
-    emptyStore();
+    BoolForm::clear();
     const std::vector<Clause> clauses = formula(static_cast<int>(state.range())).clauses();
     for (auto _ : state) showCNF(clauses, "/dev/shm/tervoxal-bench");
     std::remove("/dev/shm/tervoxal-bench.cnf");

@@ -1,10 +1,9 @@
 #include "fuzz.h"
 
 #include "ntamodel.h"
-#include "store.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    emptyStore();
+    BoolForm::clear();
     return orRefused([&] {
         const InputFile file(data, size);
         NetTimedModel model;

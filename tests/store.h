@@ -1,7 +1,23 @@
-// An empty store, for those who know node numbers or fill it again and again.
+// The store as a text.
 
 #pragma once
 
 #include "boolform.h"
 
-inline void emptyStore() { BoolForm::clear(); }
+#include <cstdlib>
+#include <string>
+
+/// The nodes in the order of their creation, each as its kind and operands, then the formula. #1
+/// stands for the first node, T and F for the constants.
+inline std::string storeText(const BoolForm& f) {
+    const auto text = [](int nr) {
+        if (nr == 0 || nr == BoolForm::trueNr) return std::string(nr == 0 ? "F" : "T");
+        const int n = std::abs(nr);
+        return (nr < 0 ? "-" : "") +
+               (n > 1000000 ? '#' + std::to_string(n - 1000000) : std::to_string(n));
+    };
+    std::string nodes;
+    for (const Triple& t : BoolForm::tv)
+        nodes += (t.op == bfCon ? '&' : '=') + text(t.left) + ',' + text(t.right) + ' ';
+    return nodes + text(f.nr);
+}

@@ -1,29 +1,17 @@
-// What the tests share: a scratch directory, runs of the real binary, two small networks.
+// What the tests share: a scratch directory with runs of the real binary, tables of data, a deep
+// formula.
 
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <iostream>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
-#include <unistd.h>
-
-inline std::string contents(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-/// What a command left behind. A status above 128 is a signal.
-struct Outcome {
-    int status;
-    std::string out;
-    std::string err;
-};
 
 /// A directory of its own, removed at the end.
 class Scratch {
@@ -34,37 +22,59 @@ public:
     }
     ~Scratch() { std::filesystem::remove_all(path); }
     Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
 
     void write(const std::string& name, const std::string& text) const {
         std::ofstream(path / name, std::ios::binary) << text;
     }
-    [[nodiscard]] std::string read(const std::string& name) const { return contents(path / name); }
-    [[nodiscard]] bool has(const std::string& name) const {
-        return std::filesystem::exists(path / name);
+    [[nodiscard]] std::string read(const std::string& name) const {
+        std::ostringstream text;
+        text << std::ifstream(path / name, std::ios::binary).rdbuf();
+        return text.str();
     }
 
-    /// Runs a shell command in the directory. $T stands for the real binary, $D for the directory
-    /// that it and its companions are in, $N for the generator of network families.
-    [[nodiscard]] Outcome run(const std::string& command) const {
-        const std::string shell = "cd '" + path.string() + "' && T='" + TERVOXAL_BINARY + "' D='" +
-                                  BINARIES + "' N='" + NETWORKS_BINARY + "' && { " + command +
+    /// Runs a shell command in the directory, with $T for the real binary and $D for the directory
+    /// of it and its companions. The streams are in the files stdout and stderr. The result is the
+    /// status, that of a shell if a signal ended the command.
+    [[nodiscard]] int run(const std::string& command) const {
+        const std::string shell = "cd '" + path.string() +
+                                  "' && D='" BINARIES "' T=\"$D/tervoxal\" && { " + command +
                                   "; } >stdout 2>stderr";
         const int status = std::system(shell.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), read("stdout"),
-                read("stderr")};
+        return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
     }
 
     std::filesystem::path path;
 };
 
-/// One automaton, a single step from location 0 to location 1, which carries proposition 5.
-inline const std::string oneAutomaton = "one automaton\nfirst\nlocation 0\nend\nlocation 1\nend\n"
-                                        "transition 0 1 1\nend\nvaluation\n1 5\nend\nend\nend\n";
+/// What print leaves on standard output.
+template <class Print>
+std::string printed(const Print& print) {
+    testing::internal::CaptureStdout();
+    print();
+    std::cout.flush();
+    return testing::internal::GetCapturedStdout();
+}
 
-/// Two processes that share action 1; action 0 is the local step of the second.
-inline const std::string twoProcesses =
-    "two processes\nfirst process\nlocation 0\nend\nlocation 1\nend\ntransition 0 1 1\nend\n"
-    "transition 1 0 2\nend\nvaluation\n0 1\n1 2 3\nend\nend\nsecond process\nlocation 0\nend\n"
-    "location 1\nend\nlocation 2\nend\ntransition 0 1 1\nend\ntransition 1 2\nend\n"
-    "transition 2 0 3\nend\nvaluation\n2 4\nend\nend\nend\n";
+/// Checks a table of tests/data: the answer to what stands before the first tab of a line is what
+/// stands behind it. A bar stands for a newline.
+template <class Answer>
+void checkTable(const std::string& name, const Answer& answer) {
+    std::ifstream in(TEST_DATA "/" + name);
+    int rows = -1; // the first is the heading
+    for (std::string row; std::getline(in, row); ++rows) {
+        if (rows < 0) continue;
+        std::replace(row.begin(), row.end(), '|', '\n');
+        const std::string question = row.substr(0, row.find('\t'));
+        EXPECT_EQ(question + '\t' + answer(question), row);
+    }
+    EXPECT_GT(rows, 5) << name;
+}
+
+/// 400000 operators, nested to the left and, behind that, to the right.
+inline std::string deepFormula() {
+    std::string text = "p1";
+    for (int i = 0; i < 100000; ++i) text += "p4+p3&";
+    for (int i = 0; i < 100000; ++i) text += "p4p3";
+    for (int i = 0; i < 100000; ++i) text += "&+";
+    return text;
+}

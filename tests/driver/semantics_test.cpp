@@ -1,108 +1,27 @@
 // Random networks and formulas: what SAT solvers say about the clause file has to agree with an
 // explicit search of the network's states, and what they find has to be a run of the network.
 
+#include "network.h"
 #include "support.h"
 
 #include <algorithm>
-#include <array>
-#include <functional>
 #include <iterator>
-#include <map>
-#include <random>
 #include <set>
-#include <vector>
 
 namespace {
 
-using Random = std::mt19937;            // % n: unlike the distributions the same everywhere
-using State = std::vector<std::size_t>; // the location of each automaton
-using Moves = std::vector<std::pair<std::size_t, std::size_t>>;
-
-struct Network {
-    State initial;
-    std::map<std::size_t, std::map<std::size_t, Moves>> actions; // by number and owner
-    std::vector<std::array<std::size_t, 3>> props;               // automaton, location, number
-    std::string text;
-};
-
-struct Formula {
-    std::string text;
-    std::function<bool(const State&)> holds;
-};
-
-constexpr std::array<std::size_t, 4> commonProps = {0, 1, 17, 2147483647};
-/// The proposition that marks one location alone.
-const auto ownProp = [](auto a, auto l) { return std::to_string(100 * (a + 1) + l); };
-
-Network randomNetwork(Random& random) {
-    Network network;
-    network.initial.resize(1 + random() % 4);
-    const std::size_t factor = 1 + random() % 6; // orders the shared actions and the own ones
-    std::ostringstream text("network\n", std::ios::ate);
-    for (std::size_t a = 0; a < network.initial.size(); ++a) {
-        text << "automaton\n";
-        const std::size_t locations = 1 + random() % 6;
-        for (std::size_t l = locations; l-- > 0;) text << "location " << l << "\nend\n";
-        for (auto i = 2 * locations + random() % (locations + 1); i > 0; --i) {
-            const std::size_t action = factor * (random() % 3 == 0 ? 3 + a : random() % 3) % 7;
-            const std::size_t source = random() % locations;
-            const std::size_t target = (source + 1 + random() % 2) % locations;
-            network.actions[action][a].emplace_back(source, target);
-            text << "transition " << source << ' ' << target
-                 << (action == 0 ? "" : ' ' + std::to_string(action)) << "\nend\n";
-        }
-        text << "valuation";
-        for (std::size_t l = 0; l < locations; ++l) {
-            text << '\n' << l << ' ' << ownProp(a, l);
-            for (const std::size_t prop : commonProps) {
-                if (random() % 4 != 0) continue;
-                network.props.push_back({a, l, prop});
-                text << ' ' << prop;
-            }
-        }
-        text << "\nend\nend\n";
-    }
-    network.text = text.str() + "end\n";
-    return network;
-}
-
-/// A formula about one state and about common propositions.
-Formula randomFormula(Random& random, const Network& network, const State& state, int depth) {
-    const auto oneOf = [&](const auto& choice) { return choice.at(random() % choice.size()); };
-    if (depth > 0 && random() % 3 != 0) {
-        const Formula l = randomFormula(random, network, state, depth - 1);
-        if (random() % 50 == 0)
-            return {l.text + oneOf(std::array{"EG", "EX", "EF", "EK"}), l.holds};
-        const Formula r = randomFormula(random, network, state, depth - 1);
-        const std::string op = random() % 50 == 0 ? "EU" : oneOf(std::array{"&", "&", "+"});
-        return {l.text + r.text + op, [=](const State& s) {
-                    return op == "&" ? l.holds(s) && r.holds(s) : l.holds(s) || r.holds(s);
-                }};
-    }
-    if (random() % 3 == 0) {
-        const std::size_t prop = oneOf(commonProps);
-        const std::string sign = oneOf(std::array{"p", "p-"});
-        return {sign + std::to_string(prop), [=, &network](const State& s) {
-                    const auto on = [&](const auto& p) { return s[p[0]] == p[1] && p[2] == prop; };
-                    return std::ranges::any_of(network.props, on) == (sign == "p");
-                }};
-    }
-    std::string text = "T";
-    for (std::size_t a = 0; a < state.size(); ++a) text += 'p' + ownProp(a, state[a]) + '&';
-    return {text, [=](const State& s) { return s == state; }};
-}
-
-/// One action, all its owners together, every other automaton stays.
-std::set<State> successors(const Network& network, const State& state) {
+/// One action, all its automata together, every other automaton stays.
+std::set<State> successors(const NetTimedModel& model, const State& state) {
     std::set<State> all;
-    for (const auto& [action, owners] : network.actions) {
+    for (const auto& [action, automata] : model.actionAutomata) {
         std::vector<State> next = {state};
-        for (const auto& [a, moves] : owners) {
+        for (const uint a : automata) {
             std::vector<State> moved;
-            for (State& s : next) {
-                for (const auto& [source, target] : moves) {
+            for (const auto& [source, target] : model.actionEdges.at({a, action})) {
+                if (source != state[a]) continue;
+                for (State& s : next) {
                     s[a] = target;
-                    if (source == state[a]) moved.push_back(s);
+                    moved.push_back(s);
                 }
             }
             next.swap(moved);
@@ -112,14 +31,33 @@ std::set<State> successors(const Network& network, const State& state) {
     return all;
 }
 
+/// Whether the model's formula holds in the state. A temporal operator makes it false as a whole.
+bool holds(const NetTimedModel& model, const State& state) {
+    std::vector<bool> values;
+    for (const auto& [op, prop] : model.form->onp) {
+        if (op > OpDis) return false;
+        if (op > OpNegVar) {
+            const bool right = values.back();
+            values.pop_back();
+            values.back() = op == OpCon ? values.back() && right : values.back() || right;
+            continue;
+        }
+        bool on = op == OpTrue;
+        for (uint a = 1; a < state.size(); ++a)
+            on = on || model.valuation.contains({{a, state[a]}, static_cast<uint>(prop)});
+        values.push_back(on != (op == OpNegVar));
+    }
+    return values.back();
+}
+
 /// Whether some run of exactly k steps from the initial state meets the formula.
-bool search(const Network& network, const Formula& formula, std::size_t k) {
-    std::set<std::pair<bool, State>> layer = {{formula.holds(network.initial), network.initial}};
+bool search(const NetTimedModel& model, std::size_t k) {
+    const State initial(model.nrOfBits.size());
+    std::set<std::pair<bool, State>> layer = {{holds(model, initial), initial}};
     for (; k > 0; --k) {
         std::set<std::pair<bool, State>> next;
         for (const auto& [met, state] : layer) {
-            for (const State& s : successors(network, state))
-                next.emplace(met || formula.holds(s), s);
+            for (const State& s : successors(model, state)) next.emplace(met || holds(model, s), s);
         }
         layer.swap(next);
     }
@@ -127,18 +65,18 @@ bool search(const Network& network, const Formula& formula, std::size_t k) {
 }
 
 /// The run that a solver found, read with nothing but the side file.
-std::vector<State> decoded(const std::string& sideFile, const std::string& solution) {
-    std::istringstream words(solution);
-    const std::set<std::string> literals{std::istream_iterator<std::string>(words), {}};
+std::vector<State> decoded(const std::string& sideFile, std::string solution) {
     std::istringstream numbers(sideFile);
-    const State layout{std::istream_iterator<std::size_t>(numbers), {}};
-    const std::size_t automata = layout.at(0);
-    std::vector<State> run(layout.at(automata + 1) + 1, State(automata));
-    std::size_t variable = 0;
+    const std::vector<uint> layout{std::istream_iterator<uint>(numbers), {}};
+    const uint automata = layout.at(0);
+    std::ranges::replace(solution, '\n', ' ');
+    std::vector<State> run(layout.at(automata + 1) + 1, State(automata + 1));
+    uint variable = 0;
     for (State& state : run) {
-        for (std::size_t a = 0; a < automata; ++a) {
-            for (std::size_t i = 0; i < layout.at(a + 1); ++i) {
-                if (literals.contains(std::to_string(++variable))) state[a] |= 1UL << i;
+        for (uint a = 1; a <= automata; ++a) {
+            for (uint i = 0; i < layout.at(a); ++i) {
+                const std::string literal = ' ' + std::to_string(++variable) + ' ';
+                if (solution.find(literal) != std::string::npos) state[a] |= 1U << i;
             }
         }
     }
@@ -154,36 +92,38 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
     int satisfiable = 0;
     for (int seed = 1; seed <= networks; ++seed) {
         Random random(static_cast<unsigned>(seed));
-        const Network network = randomNetwork(random);
-        State state = network.initial; // the formula is about one that some run may meet
+        const Scratch scratch;
+        const std::string network = randomNetwork(random, 1 + random() % 4);
+        scratch.write("net.in", network);
+        NetTimedModel model;
+        read(model, scratch.path / "net");
+        const State initial(model.nrOfBits.size());
+        State state = initial; // the formula is about one that some run may meet
         for (auto i = random() % 6; i > 0; --i) {
-            const std::set<State> next = successors(network, state);
+            const std::set<State> next = successors(model, state);
             if (!next.empty()) state = random() % 2 == 0 ? *next.begin() : *next.rbegin();
         }
-        Formula formula = randomFormula(random, network, state, 3);
-        if (formula.text.find('E') != std::string::npos)
-            formula.holds = [](auto&) { return false; };
-        const std::string k = std::to_string(1 + random() % 6);
-        SCOPED_TRACE("seed " + std::to_string(seed) + ", k " + k + ", " + formula.text + '\n' +
-                     network.text);
-        const Scratch scratch;
-        scratch.write("net.in", network.text);
-        scratch.write("form.in", formula.text);
-        ASSERT_EQ(scratch.run("\"$T\" net form " + k).status, 0);
-        const bool reachable = search(network, formula, std::stoul(k));
+        const std::string formula = randomFormula(random, state);
+        scratch.write("form.in", formula);
+        model.readFormula(scratch.path / "form");
+        const std::size_t k = 1 + random() % 6;
+        const std::string base = "netk" + std::to_string(k);
+        SCOPED_TRACE("seed " + std::to_string(seed) + ", " + base + ", " + formula + '\n' +
+                     network);
+        ASSERT_EQ(scratch.run("\"$T\" net form " + std::to_string(k)), 0);
+        const bool reachable = search(model, k);
         satisfiable += reachable ? 1 : 0;
         // One solver prefers true variables, the other one false ones.
         for (const char* solve :
              {"cadical -q --strict netk*.cnf >model", "minisat netk*.cnf model"}) {
-            ASSERT_EQ(scratch.run(solve).status, reachable ? 10 : 20) << solve;
+            ASSERT_EQ(scratch.run(solve), reachable ? 10 : 20) << solve;
             if (!reachable) continue;
-            const auto run = decoded(scratch.read("netk" + k + ".lck"), scratch.read("model"));
-            ASSERT_EQ(run.size(), std::stoul(k) + 1);
-            ASSERT_EQ(run[0], network.initial);
-            for (std::size_t i = 1; i < run.size(); ++i) {
-                ASSERT_TRUE(successors(network, run[i - 1]).contains(run[i])) << "step " << i;
-            }
-            EXPECT_TRUE(std::ranges::any_of(run, formula.holds));
+            const auto run = decoded(scratch.read(base + ".lck"), scratch.read("model"));
+            ASSERT_EQ(run.size(), k + 1);
+            ASSERT_EQ(run[0], initial);
+            for (std::size_t i = 1; i <= k; ++i)
+                ASSERT_TRUE(successors(model, run[i - 1]).contains(run[i])) << "step " << i;
+            EXPECT_TRUE(std::ranges::any_of(run, [&](auto& s) { return holds(model, s); }));
         }
     }
     EXPECT_NEAR(satisfiable, 0.5 * networks, 0.25 * networks);

@@ -4,7 +4,7 @@
 #include "step.h"
 #include "store.h"
 
-#include <random>
+#include <bitset>
 
 namespace {
 
@@ -13,13 +13,12 @@ BoolForm plainStep(const NetTimedModel& model, const SymState& s1, const SymStat
     BoolForm result(false);
     for (const auto& [action, automata] : model.actionAutomata) {
         BoolForm move(true);
-        for (const uint a : automata) {
+        for (const uint automaton : automata) {
+            const auto a = static_cast<int>(automaton);
             BoolForm any(false);
-            for (const auto& [from, to] : model.actionEdges.at({a, action})) {
-                const BoolForm target =
-                    model.bef(static_cast<int>(a), static_cast<int>(to), s2.loc);
-                const BoolForm source =
-                    model.bef(static_cast<int>(a), static_cast<int>(from), s1.loc);
+            for (const auto& [from, to] : model.actionEdges.at({automaton, action})) {
+                const BoolForm target = model.bef(a, static_cast<int>(to), s2.loc);
+                const BoolForm source = model.bef(a, static_cast<int>(from), s1.loc);
                 any = dis(any, con(source, target));
             }
             move = con(move, any);
@@ -36,64 +35,44 @@ BoolForm plainStep(const NetTimedModel& model, const SymState& s1, const SymStat
 }
 
 TEST(Step, createsTheNodesOfThePlainFormulaInTheirOrder) {
+    const Scratch dir;
     for (uint seed = 0; seed < 300; ++seed) {
         SCOPED_TRACE(seed);
-        std::mt19937 random(seed);
-        const auto below = [&](uint n) { return static_cast<uint>(random() % n); };
-        const uint automata = below(7);
-        const uint actions = 1 + below(12);
-        std::string text = "n\n";
-        for (uint a = 0; a < automata; ++a) {
-            const uint locations = 1 + below(below(2) == 0 ? 2 : 7);
-            text += "a\n";
-            for (uint l = 0; l < locations; ++l)
-                text += "location " + std::to_string(l) + "\nend\n";
-            for (uint m = below(9); m > 0; --m) {
-                text += "transition " + std::to_string(below(locations)) + " ";
-                text += std::to_string(below(locations)) + " ";
-                text += std::to_string(below(actions) * 1000) + "\nend\n";
-            }
-            text += "valuation\nend\nend\n";
-        }
+        Random random(seed);
+        dir.write("net.in", randomNetwork(random, random() % 7));
         NetTimedModel model;
-        read(model, text + "end\n");
-        const int bits = model.totalNrVertBits;
+        read(model, dir.path / "net");
         Step laidOut(model);
-        std::vector<Triple> plain;
-        for (const bool plainly : {true, false}) {
-            emptyStore();
-            BoolForm path = model.properInitState(0, model.genSymState(1, 0));
-            for (int i = 0; i < 3; ++i) {
-                const SymState s1 = model.genSymState(1 + i * bits, i);
-                const SymState s2 = model.genSymState(1 + (i + 1) * bits, i + 1);
-                path = con(path, plainly ? plainStep(model, s1, s2) : laidOut.formula(s1, s2));
+        std::string plainText;
+        for (const bool plain : {true, false}) {
+            BoolForm::clear();
+            SymState s1 = model.genSymState(1, 0);
+            BoolForm path = model.properInitState(0, s1);
+            for (int i = 1; i < 4; ++i) {
+                const SymState s2 = model.genSymState(1 + i * model.totalNrVertBits, i);
+                path = con(path, plain ? plainStep(model, s1, s2) : laidOut.formula(s1, s2));
+                s1 = s2;
             }
-            if (plainly) plain = BoolForm::tv;
+            if (plain) plainText = storeText(path);
+            EXPECT_EQ(storeText(path), plainText);
         }
-        EXPECT_EQ(BoolForm::tv, plain);
     }
 }
 
 TEST(Model, otherFormulas) {
     NetTimedModel model;
-    read(model, twoProcesses);
-    emptyStore();
+    read(model, EXAMPLES "/two");
+    BoolForm::clear();
     const SymState s1 = model.genSymState(1, 0);
     const SymState s2 = model.genSymState(4, 1);
-    EXPECT_EQ(s2.len, 3);
-    EXPECT_EQ(model.fI(0, s1).nr, 1000002);
-    EXPECT_EQ(model.properInitState(0, s1).nr, 1000002);
+    EXPECT_EQ(storeText(model.properInitState(0, s1)), "&-3,-2 &-1,#1 #2");
     EXPECT_EQ(model.fI(1, s1), con(BoolForm(1), con(BoolForm(2), neg(BoolForm(3)))));
-    const BoolForm step = model.fT(s1, s2);
-    const std::size_t nodes = BoolForm::tv.size();
-    EXPECT_EQ(model.actionSucc(7, s1, s2), step);
+    EXPECT_EQ(model.fT(s1, s2), model.actionSucc(7, s1, s2));
     EXPECT_EQ(model.fH(s1, s2), eq(s1.loc, s2.loc));
-    EXPECT_EQ(BoolForm::tv.size(), nodes + 2);
-    EXPECT_EQ(model.fP(3, s2).nr, 4);
+    EXPECT_EQ(model.fP(3, s2), BoolForm(4));
     EXPECT_EQ(model.fP(9, s2), BoolForm(false));
     EXPECT_EQ(model.bef(2, 2, s1.loc), con(neg(BoolForm(2)), BoolForm(3)));
-    const BoolFormVect five = model.bev(3, 1);
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(five[i], BoolForm(i > 0));
+    EXPECT_EQ(model.bev(3, 1), BoolFormVect(s2.len, std::bitset<2048>(6)));
     EXPECT_DEATH((void)model.bev(1, 3), "bsLen \\+ shift <= len");
     EXPECT_DEATH((void)model.bef(1, 0, BoolFormVect(4, 1)),
                  "ntamodel.*NetTimedModel::bef.*loc.size\\(\\) == totalNrVertBits");
