@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -83,6 +84,9 @@ std::string quoted(const std::vector<std::string>& lines) {
     return literal + '"';
 }
 
+// Of these, one is on each machine, and the first ones are equally wide.
+constexpr std::string_view font = "fontname=\"Helvetica,Arial,sans-serif\"";
+
 /// Writes the graph, automaton by automaton. The trace is empty where there is no path.
 class Picture {
 public:
@@ -90,37 +94,44 @@ public:
         : out(out), model(model), names(names), trace(trace) {}
 
     void show(const std::string& title) {
+        // From left to right, labels stay within the cluster of their arrow.
         out << "digraph " << quoted({title}) << " {\n"
-            << "  graph [label=" << quoted({title})
-            << ", labelloc=t, fontname=\"Helvetica\", nodesep=0.4]\n"
-            << "  node [shape=box, style=rounded, fontname=\"Helvetica\", fontsize=12]\n"
-            << "  edge [fontname=\"Helvetica\", fontsize=10]\n";
-        auto vertex = model.verts.begin();
-        auto value = model.valuation.begin();
-        auto edge = model.edges.begin();
-        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
-            out << "  subgraph cluster_" << a << " {\n"
-                << "    label=" << quoted({names.automaton(a)}) << ";\n"
-                << "    a" << a << " [shape=point, width=0.1];\n"
-                << "    a" << a << " -> a" << a << "_0;\n";
-            for (; vertex != model.verts.end() && vertex->first.first == a; ++vertex) {
-                std::vector<std::string> props;
-                for (; value != model.valuation.end() && value->first == vertex->first; ++value) {
-                    props.push_back(names.prop(value->second));
-                }
-                showLocation(vertex->first, props);
-            }
-            std::map<NetTimedModel::Move, std::vector<std::string>> arrows;
-            for (; edge != model.edges.end() && edge->first.first.first == a; ++edge) {
-                arrows[edge->first.second].push_back(names.action(edge->first.first.second));
-            }
-            for (auto& [move, lines] : arrows) showArrow(a, move, lines);
-            out << "  }\n";
-        }
+            << "  graph [label=" << quoted({title}) << ", labelloc=t, rankdir=LR, nodesep=0.4, "
+            << font << "]\n"
+            << "  node [shape=box, style=rounded, fontsize=12, " << font << "]\n"
+            << "  edge [fontsize=10, " << font << "]\n";
+        // Graphviz stacks the clusters upward.
+        for (auto a = static_cast<uint>(model.nrOfAutomata); a > 0; --a) showAutomaton(a);
         out << "}\n";
     }
 
 private:
+    void showAutomaton(uint a) {
+        out << "  subgraph cluster_" << a << " {\n"
+            << "    label=" << quoted({names.automaton(a)}) << "; labeljust=l; margin=14;\n"
+            << "    a" << a << " [shape=point, width=0.1];\n"
+            << "    a" << a << " -> a" << a << "_0;\n";
+        auto value = model.valuation.lower_bound({{a, 0}, 0});
+        for (auto vertex = model.verts.lower_bound({a, 0});
+             vertex != model.verts.end() && vertex->first.first == a; ++vertex) {
+            std::vector<std::string> props;
+            for (; value != model.valuation.end() && value->first == vertex->first; ++value) {
+                props.push_back(shownProp(value->second));
+            }
+            showLocation(vertex->first, props);
+        }
+        std::map<NetTimedModel::Move, std::vector<std::string>> arrows;
+        for (auto edge = model.edges.lower_bound({{a, 0}, {0, 0}});
+             edge != model.edges.end() && edge->first.first.first == a; ++edge) {
+            arrows[edge->first.second].push_back(names.action(edge->first.first.second));
+        }
+        for (auto& [move, lines] : arrows) showArrow(a, move, lines);
+        out << "  }\n";
+    }
+    /// A number alone would be taken for that of the location.
+    [[nodiscard]] std::string shownProp(uint p) const {
+        return names.props.contains(p) ? names.prop(p) : 'p' + std::to_string(p);
+    }
     void showLocation(const NetTimedModel::Location& location,
                       const std::vector<std::string>& props) {
         const auto& [a, l] = location;
@@ -135,6 +146,8 @@ private:
     void showArrow(uint a, const NetTimedModel::Move& move, std::vector<std::string>& lines) {
         const auto taken = trace.taken.find({a, move});
         if (taken != trace.taken.end()) lines.push_back(taken->second.text());
+        for (std::string& line : lines) line = ' ' + line + ' '; // away from the arrow
+        if (move.first == move.second) lines.emplace_back(" ");  // above the loop
         out << "    a" << a << '_' << move.first << " -> a" << a << '_' << move.second
             << " [label=" << quoted(lines);
         if (taken != trace.taken.end()) out << ", style=bold, color=\"#1f5fa8\"";

@@ -67,7 +67,8 @@ void showHeader(std::ostream& out, const NetTimedModel& model, const Names& name
     };
     ScopeNames scopes;
     out << "$timescale 1 ns $end\n"
-        << "$scope module " << scopes.next(subject.network, 0) << " $end\n";
+        << "$scope module "
+        << scopes.next(subject.network.substr(subject.network.rfind('/') + 1), 0) << " $end\n";
     variable("wire", 1, code(holdsSignal), "holds");
     variable("wire", 31, code(actionSignal), "action");
     variable("string", 1, code(nameSignal), "action_name");
