@@ -37,9 +37,10 @@ std::optional<Verdict> verdictOf(std::string_view text) {
 /// Takes the first word off the text.
 std::string_view takeWord(std::string_view& text) {
     text = trimmed(text);
-    const auto end = std::find_if(text.begin(), text.end(), isBlank);
-    const std::string_view word(text.begin(), end);
-    text.remove_prefix(word.size());
+    std::size_t size = 0;
+    while (size < text.size() && !isBlank(text[size])) ++size;
+    const std::string_view word = text.substr(0, size);
+    text.remove_prefix(size);
     return word;
 }
 

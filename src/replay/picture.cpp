@@ -85,7 +85,7 @@ std::string quoted(const std::vector<std::string>& lines) {
 }
 
 // Of these, one is on each machine, and the first ones are equally wide.
-constexpr std::string_view font = "fontname=\"Helvetica,Arial,sans-serif\"";
+constexpr std::string_view font = R"(fontname="Helvetica,Arial,sans-serif")";
 
 /// Writes the graph, automaton by automaton. The trace is empty where there is no path.
 class Picture {
@@ -146,8 +146,8 @@ private:
     void showArrow(uint a, const NetTimedModel::Move& move, std::vector<std::string>& lines) {
         const auto taken = trace.taken.find({a, move});
         if (taken != trace.taken.end()) lines.push_back(taken->second.text());
-        for (std::string& line : lines) line = ' ' + line + ' '; // away from the arrow
-        if (move.first == move.second) lines.emplace_back(" ");  // above the loop
+        for (std::string& line : lines) line.insert(0, 1, ' ').append(1, ' '); // off the arrow
+        if (move.first == move.second) lines.emplace_back(" ");                // above the loop
         out << "    a" << a << '_' << move.first << " -> a" << a << '_' << move.second
             << " [label=" << quoted(lines);
         if (taken != trace.taken.end()) out << ", style=bold, color=\"#1f5fa8\"";

@@ -24,10 +24,8 @@ void showState(std::ostream& out, const Walk& walk, const Names& names) {
 }
 
 void showStep(std::ostream& out, const Walk& walk, const Names& names) {
-    std::string_view before = "";
-    const std::string step = "step " + std::to_string(walk.position()) + ": ";
-    const std::string indent(step.size() - 1, ' ');
-    out << margin(walk) << step;
+    std::string_view before;
+    out << margin(walk) << "step " << walk.position() << ": ";
     for (const uint action : walk.actions()) {
         out << before << shownAction(action, names) << '\n';
         before = "      or ";

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <iterator>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -13,6 +12,17 @@ using Move = NetTimedModel::Move;
 
 constexpr uint largest = std::numeric_limits<uint>::max();
 const Move anyMove(largest, largest);
+
+/// Those of sorted elements that have the key; the elements are sorted by it.
+template <class Element, class Key, class KeyOf>
+std::span<const Element> withKey(std::span<const Element> sorted, const Key& key, KeyOf keyOf) {
+    const auto begin =
+        std::lower_bound(sorted.begin(), sorted.end(), key,
+                         [&](const Element& e, const Key& k) { return keyOf(e) < k; });
+    const auto end = std::upper_bound(begin, sorted.end(), key,
+                                      [&](const Key& k, const Element& e) { return k < keyOf(e); });
+    return {begin, end};
+}
 
 bool isLoop(const Move& move) { return move.first == move.second; }
 
@@ -29,7 +39,10 @@ Transitions::Transitions(const NetTimedModel& model) : model(model) {
         actionsByNumber.push_back({number, allOwners.size()});
         addCandidates(static_cast<uint>(actionsByNumber.size() - 1));
     }
-    std::sort(index.begin(), index.end());
+    std::sort(index.begin(), index.end(), [](const Candidate& x, const Candidate& y) {
+        return std::tie(x.automaton, x.move, x.other, x.otherMove, x.action) <
+               std::tie(y.automaton, y.move, y.other, y.otherMove, y.action);
+    });
     std::sort(idlers.begin(), idlers.end());
     idlers.erase(std::unique(idlers.begin(), idlers.end()), idlers.end());
 }
@@ -60,15 +73,15 @@ std::span<const Transitions::Owner> Transitions::ownersOf(uint action) const {
 }
 
 std::span<const Transitions::Owner> Transitions::owners(uint number) const {
-    const auto found = std::ranges::lower_bound(actionsByNumber, number, {}, &Action::number);
-    assert(found != actionsByNumber.end() && found->number == number);
-    return ownersOf(static_cast<uint>(found - actionsByNumber.begin()));
+    const auto found = withKey(std::span(actionsByNumber), number,
+                               [](const Action& action) { return action.number; });
+    assert(found.size() == 1);
+    return ownersOf(static_cast<uint>(found.data() - actionsByNumber.data()));
 }
 
 std::span<const Transitions::Candidate> Transitions::candidates(uint automaton, Move move) const {
-    const auto key = [](const Candidate& c) { return std::pair(c.automaton, c.move); };
-    const auto found = std::ranges::equal_range(index, std::pair(automaton, move), {}, key);
-    return {found.begin(), found.end()};
+    return withKey(std::span(index), std::pair(automaton, move),
+                   [](const Candidate& c) { return std::pair(c.automaton, c.move); });
 }
 
 void Transitions::addLeading(std::span<const Candidate> candidates, const State& from,
@@ -87,16 +100,18 @@ void Transitions::addLeading(std::span<const Candidate> candidates, const State&
     // All candidates have the same automaton and move, so they are sorted by their other owner.
     while (!candidates.empty()) {
         const uint other = candidates.front().other;
-        const auto sameOther = std::ranges::equal_range(candidates, other, {}, &Candidate::other);
-        for (const Move& move : {other == 0 ? anyMove : moveOf(other), anyMove}) {
+        const auto sameOther =
+            withKey(candidates, other, [](const Candidate& c) { return c.other; });
+        const auto addWith = [&](const Move& move) {
             for (const Candidate& candidate :
-                 std::ranges::equal_range(sameOther, move, {}, &Candidate::otherMove)) {
+                 withKey(sameOther, move, [](const Candidate& c) { return c.otherMove; })) {
                 if (leads(candidate.action))
                     numbers.push_back(actionsByNumber[candidate.action].number);
             }
-            if (other == 0) break;
-        }
-        candidates = candidates.subspan(std::size(sameOther));
+        };
+        if (other != 0) addWith(moveOf(other));
+        addWith(anyMove);
+        candidates = candidates.subspan(sameOther.size());
     }
 }
 

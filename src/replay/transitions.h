@@ -11,7 +11,6 @@
 
 #include "state.h"
 
-#include <compare>
 #include <set>
 #include <span>
 #include <vector>
@@ -56,8 +55,6 @@ private:
         uint other;     // 0 if there is no other owner
         Move otherMove; // its only transition with the action, or anyMove
         uint action;    // an index
-
-        auto operator<=>(const Candidate&) const = default;
     };
 
     void addCandidates(uint action);

@@ -81,9 +81,11 @@ void showHeader(std::ostream& out, const NetTimedModel& model, const Names& name
     out << "$upscope $end\n$enddefinitions $end\n";
 }
 
-void showLocation(std::ostream& out, const Names& names, uint a, uint l) {
-    out << 'b' << binary(l) << ' ' << locationCode(a) << '\n'
-        << 's' << value(names.location(a, l)) << ' ' << nameCode(a) << '\n';
+void showLocation(std::ostream& out, const Walk& walk, const Names& names, uint a) {
+    const uint l = walk.state()[a];
+    if (walk.model().nrOfBits[a] > 1) out << 'b';
+    out << binary(l) << (walk.model().nrOfBits[a] > 1 ? " " : "") << locationCode(a) << "\ns"
+        << value(names.location(a, l)) << ' ' << nameCode(a) << '\n';
 }
 
 } // namespace
@@ -96,7 +98,7 @@ void showVcd(std::ostream& out, const Walk& start, const Names& names, const Sub
     out << "#0\n$dumpvars\n"
         << (held ? '1' : '0') << code(holdsSignal) << "\nbx " << code(actionSignal) << "\ns- "
         << code(nameSignal) << '\n';
-    for (uint a = 1; a < walk.state().size(); ++a) showLocation(out, names, a, walk.state()[a]);
+    for (uint a = 1; a < walk.state().size(); ++a) showLocation(out, walk, names, a);
     out << "$end\n";
     while (out && walk.step()) {
         out << '#' << walk.position() << '\n';
@@ -109,7 +111,7 @@ void showVcd(std::ostream& out, const Walk& start, const Names& names, const Sub
         }
         latest = least;
         for (const Change& change : walk.changes()) {
-            showLocation(out, names, change.automaton, change.target);
+            showLocation(out, walk, names, change.automaton);
         }
     }
     out << '#' << walk.position() + 1L << '\n'; // else a viewer ends where the last state begins

@@ -8,7 +8,7 @@
 
 Walk::Walk(const Transitions& transitions, const Path& path)
     : steps(&transitions), path(&path), property(transitions.model), before(path.first),
-      now(path.first), met(false) {
+      now(path.first) {
     for (uint a = 1; a < now.size(); ++a) {
         if (now[a] != 0) property.change({a, 0, now[a]});
     }
@@ -69,8 +69,8 @@ void replay(Walk walk, const Names& names) {
         if (walk.state()[a] != 0) all.push_back({a, walk.state()[a], 0});
     }
     if (!all.empty()) {
-        error("position 0: " + shown(all, &Change::source, names) + " in place of " +
-              shown(all, &Change::target, names) + " in the initial state");
+        error("position 0 is not the initial state: " + shown(all, &Change::source, names) +
+              " in place of " + shown(all, &Change::target, names));
     }
     bool met = walk.holds();
     while (walk.step()) {

@@ -43,7 +43,7 @@ private:
     State now;
     std::size_t used = 0; // of the path's changes
     int at = 0;
-    bool met;
+    bool met = false;
     std::vector<Change> changed;
     std::vector<uint> possible;
 };
