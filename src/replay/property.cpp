@@ -1,13 +1,10 @@
 #include "property.h"
 
-#include "error.h"
-
 #include <algorithm>
-#include <string>
 
 Property::Property(const NetTimedModel& model) {
+    refuseWithoutValue(model.form->onp);
     std::map<uint, uint> indices;
-    std::size_t formulas = 0;
     for (const OnpNode& token : model.form->onp) {
         if (token.op > OpDis) {
             program.clear();
@@ -20,10 +17,6 @@ Property::Property(const NetTimedModel& model) {
             prop = indices.try_emplace(static_cast<uint>(token.varNr), next).first->second;
         }
         program.push_back({token.op, prop});
-        token.op <= OpNegVar ? ++formulas : --formulas;
-    }
-    if (formulas != 1) {
-        error("formula: " + std::to_string(formulas) + " formulas in place of one");
     }
     carriers.resize(indices.size());
     for (const auto& [location, number] : model.valuation) {
