@@ -1,15 +1,26 @@
 // The command tervoxal-draw: a network as a picture.
 
 #include "command.h"
+#include "names.h"
+#include "picture.h"
+
+#include <iostream>
+#include <string>
 
 int main(int argc, char* argv[]) {
     const Command command{
         "tervoxal-draw",
         "NetworkFile",
-        "Writes the network NetworkFile.in as a DOT graph, which Graphviz draws.\n",
+        "Writes the network NetworkFile.in as a DOT graph, which Graphviz draws:\n"
+        "'tervoxal-draw net | dot -Tsvg >net.svg'.\n",
         {},
         1,
         1};
     const CommandLine line(command, argc, argv);
+    std::ios::sync_with_stdio(false);
+    NetTimedModel model;
+    Names names;
+    readNamedNetwork(model, names, line.operands[0]);
+    drawNetwork(std::cout, model, names, line.operands[0]);
     return finished(0);
 }

@@ -1,5 +1,7 @@
 #include "ectlform.h"
 
+#include "error.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -293,4 +295,20 @@ EctlForm dis(const EctlForm& a, const EctlForm& b) {
 
 bool operator==(const EctlForm& a, const EctlForm& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
+}
+
+void refuseWithoutValue(const std::vector<OnpNode>& program) {
+    std::size_t formulas = 0;
+    for (const OnpNode& token : program) {
+        if (token.op > OpDis) return;
+        if (token.op <= OpNegVar) {
+            ++formulas;
+        } else {
+            if (formulas < 2) error("formula: an operator finds too few operands");
+            --formulas;
+        }
+    }
+    if (formulas != 1) {
+        error("formula: " + std::to_string(formulas) + " formulas in place of one");
+    }
 }

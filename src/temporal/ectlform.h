@@ -104,3 +104,7 @@ private:
 [[nodiscard]] EctlForm dis(const EctlForm& a, const EctlForm& b);
 /// The same root and operand texts, character by character.
 [[nodiscard]] bool operator==(const EctlForm& a, const EctlForm& b);
+
+/// Ends the process with status 1 and one line on standard error if the program has no value: it
+/// neither comes to a temporal operator, which makes it false, nor leaves exactly one formula.
+void refuseWithoutValue(const std::vector<OnpNode>& program);

@@ -13,24 +13,6 @@ namespace {
 
 constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
 
-/// Ends the process on a program that has no value: one that neither comes to a temporal operator,
-/// which makes it false, nor leaves exactly one formula.
-void refuseWithoutValue(const std::vector<OnpNode>& program) {
-    std::size_t formulas = 0;
-    for (const OnpNode& token : program) {
-        if (token.op > OpDis) return;
-        if (token.op <= OpNegVar) {
-            ++formulas;
-        } else {
-            if (formulas < 2) error("formula: an operator finds too few operands");
-            --formulas;
-        }
-    }
-    if (formulas != 1) {
-        error("formula: " + std::to_string(formulas) + " formulas in place of one");
-    }
-}
-
 /// Evaluates formulas at one state. Keeps what a proposition is there, so each is built once,
 /// however often it is named.
 class Evaluator {

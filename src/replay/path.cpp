@@ -1,0 +1,62 @@
+#include "path.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+/// The automata that are not in location 0, ascending, with their locations.
+using Marked = std::vector<std::pair<uint, uint>>;
+
+/// Calls use for each automaton that is in different locations.
+template <class Use>
+void forEachChange(const Marked& before, const Marked& after, Use&& use) {
+    auto b = before.begin();
+    for (const auto& [automaton, target] : after) {
+        for (; b != before.end() && b->first < automaton; ++b) use(Change{b->first, b->second, 0});
+        const bool both = b != before.end() && b->first == automaton;
+        const uint source = both ? b->second : 0;
+        if (both) ++b;
+        if (source != target) use(Change{automaton, source, target});
+    }
+    for (; b != before.end(); ++b) use(Change{b->first, b->second, 0});
+}
+
+} // namespace
+
+Path decodePath(const NetTimedModel& model, int k, int maxVar, std::span<const int> literals) {
+    std::vector<uint> automatonOf; // by bit of a state
+    for (uint a = 1; a < model.nrOfBits.size(); ++a) {
+        automatonOf.insert(automatonOf.end(), static_cast<std::size_t>(model.nrOfBits[a]), a);
+    }
+
+    Path path{k, initialState(model), {}};
+    Marked before;
+    Marked here;
+    int position = 0;
+    const auto finishPosition = [&] {
+        if (position == 0) {
+            for (const auto& [automaton, location] : here) path.first[automaton] = location;
+        } else if (position <= k) {
+            forEachChange(before, here, [&](const Change& change) {
+                path.changes.push_back({position, change});
+            });
+        }
+        std::swap(before, here);
+        here.clear();
+        ++position;
+    };
+    for (const int literal : literals) {
+        if (literal <= 0) continue;
+        if (literal > maxVar) break;
+        const int p = (literal - 1) / model.totalNrVertBits;
+        while (position < p) finishPosition();
+        const int bit = (literal - 1) % model.totalNrVertBits;
+        const uint automaton = automatonOf[static_cast<std::size_t>(bit)];
+        if (here.empty() || here.back().first != automaton) here.emplace_back(automaton, 0);
+        here.back().second |= 1U << static_cast<uint>(bit - model.bitShift[automaton]);
+    }
+    finishPosition();
+    finishPosition(); // of this position all are in location 0
+    return path;
+}

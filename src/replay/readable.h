@@ -1,0 +1,13 @@
+// Names are any bytes. These functions make them fit for the formats that show them.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// The text in valid UTF-8: each byte that is no part of it becomes U+FFFD.
+[[nodiscard]] std::string utf8(std::string_view text);
+/// The same, with blanks in place of control characters.
+[[nodiscard]] std::string readable(std::string_view text);
+/// The beginning of the text, readable, for a message.
+[[nodiscard]] std::string excerpt(std::string_view text);

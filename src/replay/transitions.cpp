@@ -1,0 +1,166 @@
+#include "transitions.h"
+
+#include <algorithm>
+#include <cassert>
+#include <limits>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+using Move = NetTimedModel::Move;
+
+constexpr uint largest = std::numeric_limits<uint>::max();
+const Move anyMove(largest, largest);
+
+/// Those of sorted elements that have the key; the elements are sorted by it.
+template <class Element, class Key, class KeyOf>
+std::span<const Element> withKey(std::span<const Element> sorted, const Key& key, KeyOf keyOf) {
+    const auto begin =
+        std::lower_bound(sorted.begin(), sorted.end(), key,
+                         [&](const Element& e, const Key& k) { return keyOf(e) < k; });
+    const auto end = std::upper_bound(begin, sorted.end(), key,
+                                      [&](const Key& k, const Element& e) { return k < keyOf(e); });
+    return {begin, end};
+}
+
+bool isLoop(const Move& move) { return move.first == move.second; }
+
+} // namespace
+
+Transitions::Transitions(const NetTimedModel& model) : model(model) {
+    for (const auto& [number, automata] : model.actionAutomata) {
+        const std::size_t before = allOwners.size();
+        for (const uint a : automata) {
+            if (model.nrOfBits[a] != 0)
+                allOwners.push_back({a, &model.actionEdges.at({a, number})});
+        }
+        if (allOwners.size() == before) alwaysActive.push_back(number);
+        actionsByNumber.push_back({number, allOwners.size()});
+        addCandidates(static_cast<uint>(actionsByNumber.size() - 1));
+    }
+    std::sort(index.begin(), index.end(), [](const Candidate& x, const Candidate& y) {
+        return std::tie(x.automaton, x.move, x.other, x.otherMove, x.action) <
+               std::tie(y.automaton, y.move, y.other, y.otherMove, y.action);
+    });
+    std::sort(idlers.begin(), idlers.end());
+    idlers.erase(std::unique(idlers.begin(), idlers.end()), idlers.end());
+}
+
+void Transitions::addCandidates(uint action) {
+    const std::span<const Owner> all = ownersOf(action);
+    // A step in which nothing moves is found from the first owner, if each owner has a self loop.
+    const bool canIdle = std::ranges::all_of(
+        all, [](const Owner& owner) { return std::ranges::any_of(*owner.moves, isLoop); });
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        Candidate candidate{all[i].automaton, {}, 0, anyMove, action};
+        if (all.size() > 1) {
+            const Owner& other = all[i == 0 ? 1 : 0];
+            candidate.other = other.automaton;
+            if (other.moves->size() == 1) candidate.otherMove = *other.moves->begin();
+        }
+        for (const Move& move : *all[i].moves) {
+            candidate.move = move;
+            if (!isLoop(move) || (canIdle && i == 0)) index.push_back(candidate);
+        }
+    }
+    if (canIdle && !all.empty()) idlers.push_back(all.front().automaton);
+}
+
+std::span<const Transitions::Owner> Transitions::ownersOf(uint action) const {
+    const std::size_t begin = action == 0 ? 0 : actionsByNumber[action - 1].ownersEnd;
+    return std::span(allOwners).subspan(begin, actionsByNumber[action].ownersEnd - begin);
+}
+
+std::span<const Transitions::Owner> Transitions::owners(uint number) const {
+    const auto found = withKey(std::span(actionsByNumber), number,
+                               [](const Action& action) { return action.number; });
+    assert(found.size() == 1);
+    return ownersOf(static_cast<uint>(found.data() - actionsByNumber.data()));
+}
+
+std::span<const Transitions::Candidate> Transitions::candidates(uint automaton, Move move) const {
+    return withKey(std::span(index), std::pair(automaton, move),
+                   [](const Candidate& c) { return std::pair(c.automaton, c.move); });
+}
+
+void Transitions::addLeading(std::span<const Candidate> candidates, const State& from,
+                             const State& to, std::size_t changes,
+                             std::vector<uint>& numbers) const {
+    const auto moveOf = [&](uint a) { return Move(from[a], to[a]); };
+    const auto leads = [&](uint action) {
+        std::size_t moved = 0;
+        for (const Owner& owner : ownersOf(action)) {
+            const Move move = moveOf(owner.automaton);
+            if (!owner.moves->contains(move)) return false;
+            moved += isLoop(move) ? 0 : 1;
+        }
+        return moved == changes; // else one moved that does not have the action
+    };
+    // All candidates have the same automaton and move, so they are sorted by their other owner.
+    while (!candidates.empty()) {
+        const uint other = candidates.front().other;
+        const auto sameOther =
+            withKey(candidates, other, [](const Candidate& c) { return c.other; });
+        const auto addWith = [&](const Move& move) {
+            for (const Candidate& candidate :
+                 withKey(sameOther, move, [](const Candidate& c) { return c.otherMove; })) {
+                if (leads(candidate.action))
+                    numbers.push_back(actionsByNumber[candidate.action].number);
+            }
+        };
+        if (other != 0) addWith(moveOf(other));
+        addWith(anyMove);
+        candidates = candidates.subspan(sameOther.size());
+    }
+}
+
+std::vector<uint> Transitions::actions(const State& from, const State& to,
+                                       std::span<const Change> changes) const {
+    std::vector<uint> numbers;
+    if (changes.empty()) {
+        numbers = alwaysActive;
+        for (const uint a : idlers) {
+            addLeading(candidates(a, {from[a], from[a]}), from, to, 0, numbers);
+        }
+    } else {
+        std::span<const Candidate> fewest;
+        for (const Change& change : changes) {
+            const auto found = candidates(change.automaton, {change.source, change.target});
+            if (fewest.data() == nullptr || found.size() < fewest.size()) fewest = found;
+            if (fewest.empty()) return {};
+        }
+        addLeading(fewest, from, to, changes.size(), numbers);
+    }
+    std::sort(numbers.begin(), numbers.end());
+    return numbers;
+}
+
+std::vector<uint> Transitions::actions(const State& from, const State& to) const {
+    std::vector<Change> changes;
+    for (uint a = 1; a < from.size(); ++a) {
+        if (from[a] != to[a]) changes.push_back({a, from[a], to[a]});
+    }
+    return actions(from, to, changes);
+}
+
+std::set<State> Transitions::successors(const State& state) const {
+    std::set<State> all;
+    for (uint action = 0; action < actionsByNumber.size(); ++action) {
+        std::vector<State> next = {state};
+        for (const Owner& owner : ownersOf(action)) {
+            std::vector<State> moved;
+            for (State& s : next) {
+                const uint source = state[owner.automaton];
+                for (auto move = owner.moves->lower_bound({source, 0});
+                     move != owner.moves->end() && move->first == source; ++move) {
+                    s[owner.automaton] = move->second;
+                    moved.push_back(s);
+                }
+            }
+            next.swap(moved);
+        }
+        all.insert(next.begin(), next.end());
+    }
+    return all;
+}

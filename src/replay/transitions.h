@@ -1,0 +1,71 @@
+// The steps of a network as its tables tell them: one action, all automata that have it take one of
+// its transitions, every other automaton stays. Knows nothing of the encoding of a step as a
+// formula, so that either can be checked by the other.
+//
+// The actions between two states are found from what changed. An index holds each transition that
+// leaves a location, so the transition of an automaton that moved gives the actions that it can
+// have moved by. A second automaton of the action, if there is one, narrows them down further. What
+// is left is compared with all owners. Where nothing moved, an index of self loops takes its place.
+
+#pragma once
+
+#include "state.h"
+
+#include <set>
+#include <span>
+#include <vector>
+
+class Transitions {
+public:
+    /// The transitions of a network that is read and laid out; it must outlive this.
+    explicit Transitions(const NetTimedModel& model);
+
+    /// The states that one step leads to. As many as there are combinations of transitions.
+    [[nodiscard]] std::set<State> successors(const State& state) const;
+    /// The numbers of the actions that lead from one state to the other, ascending.
+    [[nodiscard]] std::vector<uint> actions(const State& from, const State& to) const;
+    /// The same for states that differ in the changes, which name each automaton once. Takes time
+    /// for the changes and for the actions that the index leaves, not for the whole state.
+    [[nodiscard]] std::vector<uint> actions(const State& from, const State& to,
+                                            std::span<const Change> changes) const;
+
+    using Move = NetTimedModel::Move;
+
+    /// An automaton of more than one location that has an action, and its transitions with it. The
+    /// automata of one location take part in theirs from every state and do not occur.
+    struct Owner {
+        uint automaton;
+        const std::set<Move>* moves;
+    };
+    /// The owners of an action, by ascending automaton. Precondition, asserted: the network has the
+    /// action.
+    [[nodiscard]] std::span<const Owner> owners(uint number) const;
+
+    const NetTimedModel& model;
+
+private:
+    struct Action {
+        uint number;
+        std::size_t ownersEnd;
+    };
+    /// A transition of the automaton with an action, and what the action asks of one other owner.
+    struct Candidate {
+        uint automaton;
+        Move move;
+        uint other;     // 0 if there is no other owner
+        Move otherMove; // its only transition with the action, or anyMove
+        uint action;    // an index
+    };
+
+    void addCandidates(uint action);
+    [[nodiscard]] std::span<const Owner> ownersOf(uint action) const;
+    [[nodiscard]] std::span<const Candidate> candidates(uint automaton, Move move) const;
+    void addLeading(std::span<const Candidate> candidates, const State& from, const State& to,
+                    std::size_t changes, std::vector<uint>& numbers) const;
+
+    std::vector<Owner> allOwners; // action by action
+    std::vector<Action> actionsByNumber;
+    std::vector<Candidate> index;   // sorted
+    std::vector<uint> idlers;       // the automata whose self loops are in the index, ascending
+    std::vector<uint> alwaysActive; // the numbers of the actions without an owner, ascending
+};

@@ -1,0 +1,54 @@
+// A walk along a path on its network: at each position the state, how the walk came there and
+// whether the formula holds. A copy goes on from the same position on its own.
+
+#pragma once
+
+#include "names.h"
+#include "path.h"
+#include "property.h"
+#include "transitions.h"
+
+#include <span>
+#include <vector>
+
+class Walk {
+public:
+    /// At position 0. The transitions and the path must outlive the walk and its copies, and the
+    /// model of the transitions has a formula. Ends the process like Property.
+    Walk(const Transitions& transitions, const Path& path);
+
+    /// Goes to the next position, false at the last one. Takes time for what changes, not for the
+    /// whole state.
+    bool step();
+
+    /// 0 to k.
+    [[nodiscard]] int position() const { return at; }
+    [[nodiscard]] const State& state() const { return now; }
+    [[nodiscard]] bool holds() const { return met; }
+    /// The automata that moved in the step that led here, ascending. Empty at position 0.
+    [[nodiscard]] std::span<const Change> changes() const { return changed; }
+    /// The numbers of the actions that lead here from the position before, ascending. Empty at
+    /// position 0, and where no action leads here.
+    [[nodiscard]] std::span<const uint> actions() const { return possible; }
+    [[nodiscard]] const Transitions& transitions() const { return *steps; }
+    [[nodiscard]] const NetTimedModel& model() const { return steps->model; }
+    /// The number of steps.
+    [[nodiscard]] int length() const { return path->k; }
+
+private:
+    const Transitions* steps;
+    const Path* path;
+    Property property;
+    State before;
+    State now;
+    std::size_t used = 0; // of the path's changes
+    int at = 0;
+    bool met = false;
+    std::vector<Change> changed;
+    std::vector<uint> possible;
+};
+
+/// Walks to the end, from position 0. A path that does not begin in the initial state, that has a
+/// step without an action or that never meets the formula ends the process with status 1 and one
+/// line on standard error.
+void replay(Walk walk, const Names& names);

@@ -1,0 +1,96 @@
+// The command tervoxal-path: from what a solver wrote about a run's clauses to a path that is
+// replayed on the network.
+
+#include "answer.h"
+#include "command.h"
+#include "error.h"
+#include "lines.h"
+#include "names.h"
+#include "path.h"
+#include "picture.h"
+#include "report.h"
+#include "sidefile.h"
+#include "transitions.h"
+#include "walk.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <string>
+
+namespace {
+
+const Command command{
+    "tervoxal-path",
+    "NetworkFile FormulaFile PathLen [SolverOutput]",
+    "Tells the path that a SAT solver found in the clauses of\n"
+    "'tervoxal NetworkFile FormulaFile PathLen', replayed on the network. SolverOutput is what "
+    "the\n"
+    "solver printed, MiniSat's result file, or a list of literals; without it, or with -, it is\n"
+    "read from standard input. The side file of the run has to be beside the network.\n"
+    "\n"
+    "The exit status is 10 for a path, 20 if the solver says that there is none, 0 if the solver\n"
+    "gave no answer, and 1 if anything is refused.\n",
+    {{"format", "FORMAT",
+      "text (the default): a block for each step;\n"
+      "json: an object for other programs;\n"
+      "vcd: a waveform for GTKWave;\n"
+      "dot: the network with the path on it, for Graphviz"}},
+    3,
+    4};
+
+using Show = void (*)(std::ostream& out, const Walk& walk, const Names& names,
+                      const Subject& subject);
+
+Show formatOf(const CommandLine& line) {
+    const std::map<std::string, Show> formats = {
+        {"text", showText}, {"json", showJson}, {"vcd", showVcd}, {"dot", drawPath}};
+    const std::string format = line.value("format", "text");
+    const auto found = formats.find(format);
+    if (found == formats.end()) line.misused("unknown format '" + format + "'");
+    return found->second;
+}
+
+Answer answerOf(const CommandLine& line) {
+    if (line.operands.size() < 4 || line.operands[3] == "-") {
+        return readAnswer(std::cin, "standard input");
+    }
+    std::ifstream in = openInput(line.operands[3]);
+    return readAnswer(in, line.operands[3]);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    const CommandLine line(command, argc, argv);
+    std::ios::sync_with_stdio(false);
+    const Show show = formatOf(line);
+    const Subject subject{line.operands[0], line.operands[1]};
+    const std::string& pathLen = line.operands[2];
+    const int k = static_cast<int>(std::strtol(pathLen.c_str(), nullptr, 10));
+    if (k <= 0) error("Length of path should be > 0");
+
+    NetTimedModel model;
+    Names names;
+    readNamedNetwork(model, names, subject.network);
+    model.readFormula(subject.formula);
+    const int maxVar = readSideFile(model, k, subject.network + "k" + pathLen);
+    const Answer answer = answerOf(line);
+    if (answer.verdict == Verdict::unknown) {
+        std::cerr << "the solver gave no answer\n";
+        return finished(0);
+    }
+    if (answer.verdict == Verdict::unsatisfiable) {
+        std::cerr << "no path of " << k
+                  << " steps meets the formula: the solver's word, unchecked\n";
+        return finished(20);
+    }
+
+    const Path path = decodePath(model, k, maxVar, answer.literals);
+    const Transitions transitions(model);
+    const Walk walk(transitions, path);
+    replay(walk, names);
+    show(std::cout, walk, names, subject);
+    return finished(10);
+}
