@@ -12,6 +12,7 @@
 namespace {
 
 constexpr uint nowhere = ~0U;
+constexpr std::size_t longestRepeated = 100; // bytes
 
 /// The numbers of the places, unit by unit, each with its places in ascending order.
 std::vector<uint> placesByUnit(const PetriNet& net) {
@@ -110,10 +111,10 @@ void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream
         }
         if (none != 0) writer.location(none, "none");
         for (; move != automata.moves.end() && move->unit == u; ++move) {
-            const bool first = !named[move->action];
+            const std::string& name = net.transitions[move->action].name;
+            const bool repeats = named[move->action] && name.size() > longestRepeated;
             named[move->action] = true;
-            writer.transition(move->source, move->target, move->action,
-                              first ? net.transitions[move->action].name : "");
+            writer.transition(move->source, move->target, move->action, repeats ? "" : name);
         }
         writer.valuation();
         for (; place != end; ++place) {

@@ -75,6 +75,6 @@ struct NetAutomata {
 /// since no two places of a unit are marked together: it takes from two of them, or puts on two.
 [[nodiscard]] NetAutomata automataOf(const PetriNet& net);
 
-/// Writes the network; the automata are those of the net. An action has its name at the first
-/// transition that is written with it, so the text is linear in the net.
+/// Writes the network; the automata are those of the net. A name of an action that is longer than
+/// 100 bytes stands at the first transition alone, so the text is linear in the net.
 void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream& out);

@@ -3,6 +3,7 @@
 #include "error.h"
 #include "lines.h"
 #include "message.h"
+#include "netdraft.h"
 #include "scanner.h"
 
 #include <algorithm>
@@ -14,11 +15,9 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
-#include <map>
 #include <memory>
 #include <string_view>
 #include <system_error>
-#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -138,60 +137,11 @@ bool isPlaceTransition(const std::string& type) {
 
 constexpr std::size_t deepest = 1000;
 
-/// What an id stands for; nothing, where it is mentioned and not declared yet.
-enum class NodeKind : unsigned char {
-    nothing,
-    place,
-    transition,
-    placeReference,
-    transitionReference
-};
-
-struct Node {
-    const std::string* id;
-    unsigned long line;
-    uint number; // of the place or transition; of the node that a reference names
-    NodeKind kind;
-};
-
-struct RawArc {
-    uint source; // nodes
-    uint target;
-    unsigned long line;
-};
-
-/// A place in a unit.
-struct Member {
-    uint unit;
-    uint node;
-    unsigned long line;
-};
-
-/// What the file says, with nodes in place of ids. References are nodes, and arcs lead anywhere.
-struct Document {
-    PetriNet net;
-    std::map<std::string, uint, std::less<>> ids;
-    std::vector<Node> nodes;
-    std::vector<RawArc> arcs;
-    bool hasUnits = false;
-    std::vector<std::string> units;
-    std::vector<Member> members;
-
-    uint nodeOf(std::string_view id) {
-        const auto known = ids.find(id);
-        if (known != ids.end()) return known->second;
-        const auto number = static_cast<uint>(nodes.size());
-        const auto entry = ids.emplace(id, number).first;
-        nodes.push_back({&entry->first, 0, 0, NodeKind::nothing});
-        return number;
-    }
-};
-
 /// Follows the file element by element.
 class Reader {
 public:
-    Reader(const std::string& file, Document& document)
-        : file(&file), document(&document), net(&document.net) {}
+    Reader(const std::string& file, NetDraft& draft)
+        : file(&file), draft(&draft), net(&draft.net) {}
 
     /// Ends the process where the file cannot be read or is refused.
     void read();
@@ -223,13 +173,13 @@ private:
     [[nodiscard]] unsigned long line() const { return XML_GetCurrentLineNumber(parser.get()); }
 
     const std::string* file;
-    Document* document;
+    NetDraft* draft;
     PetriNet* net;
     std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> parser{XML_ParserCreate(nullptr)};
     std::string fault;
 
     std::vector<Element> open{Element::document};
-    std::string text; // of the latest element that keeps its text
+    std::string text; // of the innermost element, if it keeps its text
     std::string id;   // of the latest place or transition
     std::string netId;
     bool netSeen = false;
@@ -308,7 +258,7 @@ void Reader::begin(const char* name, const char** attributes) {
         if (const char* to = needed(attributes, "ref", std::string(local))) {
             declare(element == Element::placeReference ? NodeKind::placeReference
                                                        : NodeKind::transitionReference,
-                    document->nodeOf(to), attributes);
+                    draft->nodeOf(to), attributes);
         }
         break;
     case Element::arc: beginArc(attributes); break;
@@ -330,12 +280,12 @@ void Reader::begin(const char* name, const char** attributes) {
     case Element::structure:
         if (!isOneOf(attribute(attributes, "safe"), {"true", "1"})) {
             element = Element::skipped;
-        } else if (std::exchange(document->hasUnits, true)) {
+        } else if (std::exchange(draft->hasUnits, true)) {
             refuse("the net has two structures of units");
         }
         break;
     case Element::unit:
-        if (const char* unit = needed(attributes, "id", "unit")) document->units.emplace_back(unit);
+        if (const char* unit = needed(attributes, "id", "unit")) draft->units.emplace_back(unit);
         break;
     case Element::coloured:
         return refuse("coloured nets are not read, and " + shown(local) + " belongs to one");
@@ -370,6 +320,7 @@ void Reader::end() {
     case Element::unitPlaces: endUnitPlaces(); break;
     default: break;
     }
+    if (keepsText(element)) text.clear();
     open.pop_back();
 }
 
@@ -391,15 +342,15 @@ void Reader::beginArc(const char** attributes) {
     const char* target = needed(attributes, "target", "arc");
     if (source == nullptr || target == nullptr) return;
     if (const char* kind = attribute(attributes, "type")) checkArcKind(kind);
-    const uint from = document->nodeOf(source);
-    document->arcs.push_back({from, document->nodeOf(target), line()});
+    const uint from = draft->nodeOf(source);
+    draft->arcs.push_back({from, draft->nodeOf(target), line()});
 }
 
 void Reader::declare(NodeKind kind, std::size_t number, const char** attributes) {
     const char* found = needed(attributes, "id", "node");
     if (found == nullptr) return;
     id = found;
-    Node& node = document->nodes[document->nodeOf(id)];
+    NetDraft::Node& node = draft->nodes[draft->nodeOf(id)];
     if (node.kind != NodeKind::nothing) {
         return refuse("id " + shown(id) + " is that of line " + std::to_string(node.line) +
                       " as well");
@@ -425,13 +376,13 @@ void Reader::endText() {
 }
 
 void Reader::endUnitPlaces() {
-    const auto unit = static_cast<uint>(document->units.size() - 1);
+    const auto unit = static_cast<uint>(draft->units.size() - 1);
     for (std::size_t i = 0; i < text.size();) {
         std::size_t end = i;
         while (end < text.size() && !isBlank(text[end])) ++end;
         if (end > i) {
             const std::string_view place = std::string_view(text).substr(i, end - i);
-            document->members.push_back({unit, document->nodeOf(place), line()});
+            draft->members.push_back({unit, draft->nodeOf(place), line()});
         }
         i = end + 1;
     }
@@ -470,169 +421,12 @@ const char* Reader::needed(const char** attributes, const std::string& name,
     return found;
 }
 
-/// What has been read, on its way to a net.
-class Resolver {
-public:
-    Resolver(const std::string& file, Document& document)
-        : file(&file), document(&document), net(&document.net) {}
-
-    /// Ends the process where references, arcs or units do not fit the nodes.
-    void resolve() {
-        resolveReferences();
-        addArcs();
-        if (document->hasUnits) {
-            addUnits();
-        } else {
-            addPlacesAsUnits();
-        }
-    }
-
-private:
-    void resolveReferences();
-    void addArcs();
-    void addUnits();
-    void addPlacesAsUnits();
-    /// The place or transition that an arc leads to.
-    [[nodiscard]] const Node& endOf(uint node, const RawArc& arc) const;
-
-    [[noreturn]] void refuse(unsigned long line, const std::string& what) const {
-        error(message(*file, line, what));
-    }
-
-    const std::string* file;
-    Document* document;
-    PetriNet* net;
-};
-
-bool isReference(const Node& node) {
-    return node.kind == NodeKind::placeReference || node.kind == NodeKind::transitionReference;
-}
-
-/// Each reference becomes what it stands for. Chains are followed once, from their end back.
-void Resolver::resolveReferences() {
-    std::vector<Node>& nodes = document->nodes;
-    std::vector<bool> passed(nodes.size());
-    std::vector<uint> chain;
-    for (uint n = 0; n < nodes.size(); ++n) {
-        uint at = n;
-        for (; isReference(nodes[at]) && !passed[at]; at = nodes[at].number) {
-            passed[at] = true;
-            chain.push_back(at);
-        }
-        for (; !chain.empty(); chain.pop_back()) {
-            Node& node = nodes[chain.back()];
-            const Node& target = nodes[at];
-            const NodeKind kind =
-                node.kind == NodeKind::placeReference ? NodeKind::place : NodeKind::transition;
-            if (target.kind != kind) {
-                refuse(node.line, "reference " + shown(*node.id) + " stands for no " +
-                                      (kind == NodeKind::place ? "place" : "transition"));
-            }
-            node.kind = target.kind;
-            node.number = target.number;
-            at = chain.back();
-        }
-    }
-}
-
-const Node& Resolver::endOf(uint node, const RawArc& arc) const {
-    const Node& end = document->nodes[node];
-    if (end.kind == NodeKind::nothing) {
-        refuse(arc.line, "there is no node " + shown(*end.id) + " for the arc");
-    }
-    return end;
-}
-
-void Resolver::addArcs() {
-    struct Sorted {
-        uint transition;
-        uint place;
-        bool puts;
-        unsigned long line;
-    };
-    std::vector<Sorted> sorted;
-    sorted.reserve(document->arcs.size());
-    for (const RawArc& arc : document->arcs) {
-        const Node& source = endOf(arc.source, arc);
-        const Node& target = endOf(arc.target, arc);
-        if (source.kind == target.kind) {
-            refuse(arc.line, "the arc leads from " + shown(*source.id) + " to " +
-                                 shown(*target.id) + ", which are both " +
-                                 (source.kind == NodeKind::place ? "places" : "transitions"));
-        }
-        const bool puts = source.kind == NodeKind::transition;
-        sorted.push_back({puts ? source.number : target.number,
-                          puts ? target.number : source.number, puts, arc.line});
-    }
-    document->arcs = {};
-    std::sort(sorted.begin(), sorted.end(), [](const Sorted& x, const Sorted& y) {
-        return std::tie(x.transition, x.place, x.puts, x.line) <
-               std::tie(y.transition, y.place, y.puts, y.line);
-    });
-    for (std::size_t i = 0; i < sorted.size(); ++i) {
-        const Sorted& arc = sorted[i];
-        const bool goesOn =
-            i > 0 && arc.transition == sorted[i - 1].transition && arc.place == sorted[i - 1].place;
-        if (!goesOn) {
-            net->arcs.push_back({arc.transition, arc.place, !arc.puts, arc.puts});
-        } else if (arc.puts == sorted[i - 1].puts) {
-            refuse(arc.line, "a second arc between " + shown(net->places[arc.place].name) +
-                                 " and " + shown(net->transitions[arc.transition].name) +
-                                 ", where a safe net has weight 1");
-        } else {
-            net->arcs.back().puts = true;
-        }
-    }
-}
-
-void Resolver::addUnits() {
-    constexpr uint none = ~0U;
-    for (PetriNet::Place& place : net->places) place.unit = none;
-    std::vector<uint> markedOf; // a place of each unit
-    uint latest = none;
-    for (const Member& member : document->members) {
-        const Node& node = document->nodes[member.node];
-        const std::string unit = "unit " + shown(document->units[member.unit]);
-        if (node.kind != NodeKind::place) {
-            refuse(member.line, unit + " names no place: " + shown(*node.id));
-        }
-        PetriNet::Place& place = net->places[node.number];
-        if (place.unit != none) {
-            refuse(member.line, unit + " has place " + shown(*node.id) +
-                                    ", which is that of unit " + shown(net->units[place.unit]));
-        }
-        if (member.unit != latest) {
-            latest = member.unit;
-            net->units.push_back(document->units[latest]);
-            markedOf.push_back(none);
-        }
-        place.unit = static_cast<uint>(net->units.size() - 1);
-        if (place.marked && std::exchange(markedOf.back(), node.number) != none) {
-            refuse(member.line, unit + " has two places marked");
-        }
-    }
-    for (const Node& node : document->nodes) {
-        if (node.kind == NodeKind::place && net->places[node.number].unit == none) {
-            refuse(node.line, "place " + shown(*node.id) + " is in no unit");
-        }
-    }
-}
-
-void Resolver::addPlacesAsUnits() {
-    for (PetriNet::Place& place : net->places) {
-        place.unit = static_cast<uint>(net->units.size());
-        net->units.push_back(place.name);
-    }
-}
-
 } // namespace
 
 PetriNet readPnml(const std::string& file) {
-    Document document;
-    Reader(file, document).read();
-    Resolver(file, document).resolve();
-    if (document.net.name.empty()) {
-        document.net.name = std::filesystem::path(file).stem().string();
-    }
-    return std::move(document.net);
+    NetDraft draft;
+    Reader(file, draft).read();
+    PetriNet net = netOf(std::move(draft), file);
+    if (net.name.empty()) net.name = std::filesystem::path(file).stem().string();
+    return net;
 }
