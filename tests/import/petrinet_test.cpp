@@ -55,20 +55,20 @@ struct Net {
         };
         std::vector<std::string> nodes;
         std::vector<std::string> others;
-        std::string units;
+        std::ostringstream units;
         for (uint p = 0; p < unit.size(); ++p) {
             const std::string id = std::to_string(p);
             nodes.push_back("<place id='p" + id + "'><initialMarking><text>" +
                             std::to_string(initial.count(p)) + "</text></initialMarking></place>");
             others.push_back("<page><referencePlace id='r" + id + "' ref='p" + id + "'/></page>");
-            units += "<unit id='u" + id + "'><places>";
+            units << "<unit id='u" << id << "'><places>";
             for (uint q = 0; q < unit.size(); ++q) {
-                if (unit[q] == p) units += " p" + std::to_string(q);
+                if (unit[q] == p) units << " p" << q;
             }
-            units += "</places></unit>";
+            units << "</places></unit>";
         }
         if (hasUnits) {
-            others.push_back("<toolspecific tool='nupn'><structure safe='true'>" + units +
+            others.push_back("<toolspecific tool='nupn'><structure safe='true'>" + units.str() +
                              "</structure></toolspecific>");
         }
         for (std::size_t t = 0; t < transitions.size(); ++t) {
