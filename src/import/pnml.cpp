@@ -1,0 +1,432 @@
+#include "pnml.h"
+
+#include "error.h"
+#include "lines.h"
+#include "message.h"
+#include "netdraft.h"
+#include "scanner.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <charconv>
+#include <cstddef>
+#include <expat.h>
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <memory>
+#include <string_view>
+#include <system_error>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+/// What an open element is to the reader.
+enum class Element : unsigned char {
+    document,
+    pnml,
+    net,
+    page,
+    place,
+    transition,
+    placeReference,
+    transitionReference,
+    arc,
+    arcKind,
+    arcTool,
+    name,
+    marking,
+    weight,
+    text,
+    tool,
+    structure,
+    unit,
+    unitPlaces,
+    coloured,
+    skipped,
+};
+
+/// An element by its name and by where it stands. What stands in a net stands in a page as well.
+struct Rule {
+    Element parent;
+    std::string_view name;
+    Element element;
+};
+
+constexpr std::array<Rule, 30> rules{{
+    {Element::document, "pnml", Element::pnml},
+    {Element::pnml, "net", Element::net},
+    {Element::net, "page", Element::page},
+    {Element::net, "place", Element::place},
+    {Element::net, "transition", Element::transition},
+    {Element::net, "arc", Element::arc},
+    {Element::net, "referencePlace", Element::placeReference},
+    {Element::net, "referenceTransition", Element::transitionReference},
+    {Element::net, "declaration", Element::coloured},
+    {Element::net, "toolspecific", Element::tool},
+    {Element::net, "name", Element::name},
+    {Element::page, "name", Element::skipped},
+    {Element::place, "name", Element::name},
+    {Element::place, "initialMarking", Element::marking},
+    {Element::place, "hlinitialMarking", Element::coloured},
+    {Element::place, "type", Element::coloured},
+    {Element::transition, "name", Element::name},
+    {Element::transition, "condition", Element::coloured},
+    {Element::arc, "inscription", Element::weight},
+    {Element::arc, "hlinscription", Element::coloured},
+    {Element::arc, "type", Element::arcKind},
+    {Element::arc, "arctype", Element::arcKind},
+    {Element::arc, "toolspecific", Element::arcTool},
+    {Element::arcKind, "text", Element::arcKind},
+    {Element::name, "text", Element::text},
+    {Element::marking, "text", Element::text},
+    {Element::weight, "text", Element::text},
+    {Element::tool, "structure", Element::structure},
+    {Element::structure, "unit", Element::unit},
+    {Element::unit, "places", Element::unitPlaces},
+}};
+
+Element elementOf(Element parent, std::string_view name) {
+    if (parent == Element::arcTool) return Element::arcTool;
+    const auto find = [name](Element in) {
+        return std::find_if(rules.begin(), rules.end(), [&](const Rule& rule) {
+            return rule.parent == in && rule.name == name;
+        });
+    };
+    const auto* rule = find(parent);
+    if (rule == rules.end() && parent == Element::page) rule = find(Element::net);
+    return rule == rules.end() ? Element::skipped : rule->element;
+}
+
+std::string_view localName(std::string_view name) {
+    return name.substr(name.rfind(':') + 1); // behind npos comes 0
+}
+
+std::string lower(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+/// The value of an attribute, null where it is missing.
+const char* attribute(const char** attributes, std::string_view name) {
+    for (; *attributes != nullptr; attributes += 2) {
+        if (localName(attributes[0]) == name) return attributes[1];
+    }
+    return nullptr;
+}
+
+/// Whether the text is there and, in lower case, one of the words.
+bool isOneOf(const char* text, std::initializer_list<std::string_view> words) {
+    if (text == nullptr) return false;
+    const std::string word = lower(text);
+    return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+bool keepsText(Element element) {
+    return element == Element::text || element == Element::arcKind || element == Element::arcTool ||
+           element == Element::unitPlaces;
+}
+
+bool isPlaceTransition(const std::string& type) {
+    const std::string last = lower(type.substr(type.rfind('/') + 1));
+    return last.starts_with("ptnet") || lower(type) == "p/t net";
+}
+
+constexpr std::size_t deepest = 1000;
+
+/// Follows the file element by element.
+class Reader {
+public:
+    Reader(const std::string& file, NetDraft& draft)
+        : file(&file), draft(&draft), net(&draft.net) {}
+
+    /// Ends the process where the file cannot be read or is refused.
+    void read();
+
+private:
+    struct Free {
+        void operator()(XML_Parser p) const { XML_ParserFree(p); }
+    };
+    static Reader& of(void* data) { return *static_cast<Reader*>(data); }
+    void listen();
+
+    void begin(const char* name, const char** attributes);
+    void end();
+    void characters(std::string_view more);
+    void beginNet(const char** attributes);
+    void beginArc(const char** attributes);
+    void declare(NodeKind kind, std::size_t number, const char** attributes);
+    void endText();
+    void endUnitPlaces();
+    /// Refuses a text that is neither of the two; gives whether it is 1.
+    bool isOne(const std::string& what, unsigned int least);
+    void checkArcKind(std::string_view kind);
+    void checkArcTool(std::string_view word);
+    /// The value of an attribute that has to be there; refuses what lacks it.
+    const char* needed(const char** attributes, const std::string& name, const std::string& owner);
+
+    /// Ends the reading. The first fault is the one that is told.
+    void refuse(const std::string& what);
+    [[nodiscard]] unsigned long line() const { return XML_GetCurrentLineNumber(parser.get()); }
+
+    const std::string* file;
+    NetDraft* draft;
+    PetriNet* net;
+    std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> parser{XML_ParserCreate(nullptr)};
+    std::string fault;
+
+    std::vector<Element> open{Element::document};
+    std::string text; // of the innermost element, if it keeps its text
+    std::string id;   // of the latest place or transition
+    std::string netId;
+    bool netSeen = false;
+    bool marked = false; // the latest place had its marking
+    bool valued = false; // the latest marking or weight had its text
+};
+
+void Reader::listen() {
+    XML_Parser p = parser.get();
+    XML_SetUserData(p, this);
+    XML_SetElementHandler(
+        p, [](void* data, const char* name, const char** a) { of(data).begin(name, a); },
+        [](void* data, const char*) { of(data).end(); });
+    XML_SetCharacterDataHandler(p, [](void* data, const char* more, int size) {
+        of(data).characters({more, static_cast<std::size_t>(size)});
+    });
+    XML_SetStartDoctypeDeclHandler(
+        p, [](void* data, const char*, const char*, const char*, int declares) {
+            if (declares != 0) of(data).refuse("a document type with declarations is not read");
+        });
+    XML_SetSkippedEntityHandler(p, [](void* data, const char* name, int) {
+        of(data).refuse("entity " + shown(name) + " is not known");
+    });
+}
+
+void Reader::read() {
+    constexpr int pieceSize = 1 << 16;
+    std::ifstream in = openInput(*file);
+    listen();
+    for (bool last = false; !last && fault.empty();) {
+        void* const piece = XML_GetBuffer(parser.get(), pieceSize);
+        if (piece == nullptr) error(*file + ": " + XML_ErrorString(XML_ERROR_NO_MEMORY));
+        in.read(static_cast<char*>(piece), pieceSize);
+        last = in.eof();
+        if (in.bad() || (in.fail() && !last)) error(*file + ": cannot be read");
+        const auto got = static_cast<int>(in.gcount());
+        if (XML_ParseBuffer(parser.get(), got, last) != XML_STATUS_OK) {
+            const auto column = XML_GetCurrentColumnNumber(parser.get()) + 1;
+            refuse("column " + std::to_string(column) + ": " +
+                   XML_ErrorString(XML_GetErrorCode(parser.get())));
+        }
+    }
+    if (fault.empty() && !netSeen) refuse("there is no net");
+    if (!fault.empty()) error(fault);
+}
+
+void Reader::refuse(const std::string& what) {
+    if (!fault.empty()) return;
+    fault = message(*file, line(), what);
+    XML_StopParser(parser.get(), XML_FALSE);
+}
+
+void Reader::begin(const char* name, const char** attributes) {
+    if (!fault.empty()) return;
+    if (open.size() > deepest) {
+        return refuse("elements are nested deeper than " + std::to_string(deepest));
+    }
+    const std::string_view local = localName(name);
+    Element element = elementOf(open.back(), local);
+    if (open.size() == 1 && element != Element::pnml) {
+        return refuse("the document is " + shown(local) + " and not 'pnml'");
+    }
+    switch (element) {
+    case Element::net: beginNet(attributes); break;
+    case Element::place:
+        declare(NodeKind::place, net->places.size(), attributes);
+        net->places.push_back({"", 0, false});
+        marked = false;
+        break;
+    case Element::transition:
+        declare(NodeKind::transition, net->transitions.size(), attributes);
+        net->transitions.push_back({"", line()});
+        break;
+    case Element::placeReference:
+    case Element::transitionReference:
+        if (const char* to = needed(attributes, "ref", std::string(local))) {
+            declare(element == Element::placeReference ? NodeKind::placeReference
+                                                       : NodeKind::transitionReference,
+                    draft->nodeOf(to), attributes);
+        }
+        break;
+    case Element::arc: beginArc(attributes); break;
+    case Element::arcKind:
+        if (const char* kind = attribute(attributes, "value")) checkArcKind(kind);
+        break;
+    case Element::arcTool:
+        checkArcTool(local);
+        for (const char** a = attributes; *a != nullptr; a += 2) checkArcTool(a[1]);
+        break;
+    case Element::marking:
+        if (std::exchange(marked, true)) refuse("the place has two initial markings");
+        valued = false;
+        break;
+    case Element::weight: valued = false; break;
+    case Element::tool:
+        if (!isOneOf(attribute(attributes, "tool"), {"nupn"})) element = Element::skipped;
+        break;
+    case Element::structure:
+        if (!isOneOf(attribute(attributes, "safe"), {"true", "1"})) {
+            element = Element::skipped;
+        } else if (std::exchange(draft->hasUnits, true)) {
+            refuse("the net has two structures of units");
+        }
+        break;
+    case Element::unit:
+        if (const char* unit = needed(attributes, "id", "unit")) draft->units.emplace_back(unit);
+        break;
+    case Element::coloured:
+        return refuse("coloured nets are not read, and " + shown(local) + " belongs to one");
+    default: break;
+    }
+    if (keepsText(element)) text.clear();
+    open.push_back(element);
+}
+
+void Reader::end() {
+    if (!fault.empty()) return;
+    const Element element = open.back();
+    switch (element) {
+    case Element::net:
+        if (net->name.empty()) net->name = netId;
+        break;
+    case Element::place:
+        if (net->places.back().name.empty()) net->places.back().name = id;
+        break;
+    case Element::transition:
+        if (net->transitions.back().name.empty()) net->transitions.back().name = id;
+        break;
+    case Element::text: endText(); break;
+    case Element::marking:
+        if (!valued) refuse("the initial marking has no text");
+        break;
+    case Element::weight:
+        if (!valued) refuse("the inscription has no text");
+        break;
+    case Element::arcKind: checkArcKind(text); break;
+    case Element::arcTool: checkArcTool(text); break;
+    case Element::unitPlaces: endUnitPlaces(); break;
+    default: break;
+    }
+    if (keepsText(element)) text.clear();
+    open.pop_back();
+}
+
+void Reader::characters(std::string_view more) {
+    if (keepsText(open.back())) text += more;
+}
+
+void Reader::beginNet(const char** attributes) {
+    if (std::exchange(netSeen, true)) return refuse("the file has several nets");
+    const char* type = attribute(attributes, "type");
+    if (type != nullptr && !isPlaceTransition(type)) {
+        return refuse("nets of type " + shown(type) + " are not read, only 'ptnet'");
+    }
+    if (const char* found = attribute(attributes, "id")) netId = found;
+}
+
+void Reader::beginArc(const char** attributes) {
+    const char* source = needed(attributes, "source", "arc");
+    const char* target = needed(attributes, "target", "arc");
+    if (source == nullptr || target == nullptr) return;
+    if (const char* kind = attribute(attributes, "type")) checkArcKind(kind);
+    const uint from = draft->nodeOf(source);
+    draft->arcs.push_back({from, draft->nodeOf(target), line()});
+}
+
+void Reader::declare(NodeKind kind, std::size_t number, const char** attributes) {
+    const char* found = needed(attributes, "id", "node");
+    if (found == nullptr) return;
+    id = found;
+    NetDraft::Node& node = draft->nodes[draft->nodeOf(id)];
+    if (node.kind != NodeKind::nothing) {
+        return refuse("id " + shown(id) + " is that of line " + std::to_string(node.line) +
+                      " as well");
+    }
+    node.kind = kind;
+    node.number = static_cast<uint>(number);
+    node.line = line();
+}
+
+void Reader::endText() {
+    const Element holder = open[open.size() - 2];
+    const Element owner = open[open.size() - 3];
+    switch (holder) {
+    case Element::marking: net->places.back().marked = isOne("an initial marking", 0); break;
+    case Element::weight: isOne("an arc weight", 1); break;
+    default: {
+        std::string& name = owner == Element::place        ? net->places.back().name
+                            : owner == Element::transition ? net->transitions.back().name
+                                                           : net->name;
+        if (name.empty()) name = normalised(text);
+    }
+    }
+}
+
+void Reader::endUnitPlaces() {
+    const auto unit = static_cast<uint>(draft->units.size() - 1);
+    for (std::size_t i = 0; i < text.size();) {
+        std::size_t end = i;
+        while (end < text.size() && !isBlank(text[end])) ++end;
+        if (end > i) {
+            const std::string_view place = std::string_view(text).substr(i, end - i);
+            draft->members.push_back({unit, draft->nodeOf(place), line()});
+        }
+        i = end + 1;
+    }
+}
+
+bool Reader::isOne(const std::string& what, unsigned int least) {
+    valued = true;
+    const std::string_view digits = trimmed(text);
+    unsigned int n = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto parsed = std::from_chars(digits.data(), end, n);
+    if (parsed.ptr != end || parsed.ec == std::errc::invalid_argument) {
+        refuse(what + " is no number: " + shown(digits));
+    } else if (parsed.ec != std::errc() || n > 1 || n < least) {
+        refuse(what + " of " + shown(digits) + ": in a safe net it is " +
+               (least == 0 ? "0 or 1" : "1"));
+    }
+    return n == 1;
+}
+
+void Reader::checkArcKind(std::string_view kind) {
+    const std::string word = normalised(kind);
+    if (!word.empty() && !isOneOf(word.c_str(), {"normal"})) {
+        refuse("arcs of kind " + shown(word) + " are not read");
+    }
+}
+
+void Reader::checkArcTool(std::string_view word) {
+    if (isOneOf(normalised(word).c_str(), {"inhibitor", "reset"})) checkArcKind(word);
+}
+
+const char* Reader::needed(const char** attributes, const std::string& name,
+                           const std::string& owner) {
+    const char* const found = attribute(attributes, name);
+    if (found == nullptr) refuse(owner + " without attribute '" + name + "'");
+    return found;
+}
+
+} // namespace
+
+PetriNet readPnml(const std::string& file) {
+    NetDraft draft;
+    Reader(file, draft).read();
+    PetriNet net = netOf(std::move(draft), file);
+    if (net.name.empty()) net.name = std::filesystem::path(file).stem().string();
+    return net;
+}

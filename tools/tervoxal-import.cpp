@@ -1,0 +1,63 @@
+// The command tervoxal-import: Petri nets and labelled transition systems as networks.
+
+#include "aut.h"
+#include "command.h"
+#include "error.h"
+#include "message.h"
+#include "petrinet.h"
+#include "pnml.h"
+
+#include <algorithm>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string name = "tervoxal-import";
+
+void importNet(const std::string& file) {
+    const PetriNet net = readPnml(file);
+    const NetAutomata automata = automataOf(net);
+    for (const auto& [transition, reason] : automata.leftOut) {
+        const auto& [title, line] = net.transitions[transition];
+        std::cerr << message(file, line,
+                             "warning: transition " + shown(title) + " is left out: " + reason)
+                  << '\n';
+    }
+    writeNetwork(net, automata, std::cout);
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    const CommandLine line({name,
+                            "FILE...",
+                            "Writes a network with names on standard output. FILE is one safe "
+                            "place/transition net\n(.pnml), or any number of labelled transition "
+                            "systems (.aut), which synchronise on\nequal labels.\n",
+                            {},
+                            1,
+                            -1},
+                           argc, argv);
+    std::ios::sync_with_stdio(false);
+    const std::vector<std::string>& files = line.operands;
+    const auto count = [&](const char* suffix) {
+        return std::count_if(files.begin(), files.end(),
+                             [&](const std::string& file) { return file.ends_with(suffix); });
+    };
+    const auto all = static_cast<std::ptrdiff_t>(files.size());
+    if (count(".aut") == all) {
+        writeNetwork(readAut(files), std::cout);
+    } else if (count(".pnml") == all && all == 1) {
+        importNet(files.front());
+    } else if (count(".aut") + count(".pnml") == all) {
+        error(name + ": one .pnml file or any number of .aut files can be imported at a time");
+    } else {
+        const auto unknown = std::find_if(files.begin(), files.end(), [](const std::string& file) {
+            return !file.ends_with(".aut") && !file.ends_with(".pnml");
+        });
+        error(name + ": '" + *unknown + "' ends neither in .pnml nor in .aut");
+    }
+    return finished(0);
+}
