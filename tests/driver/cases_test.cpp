@@ -46,7 +46,8 @@ TEST_P(Cases, endAsTold) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Run, Cases,
-                         testing::Values("command-line.txt", "formula.txt", "network.txt"));
+                         testing::Values("solve.txt", "command-line.txt", "formula.txt",
+                                         "network.txt"));
 
 TEST(Run, bigFilesToTheByte) {
     std::ifstream rows(std::string(TEST_DATA) + "/expected.tsv");
