@@ -7,6 +7,7 @@
 #include "directories.h"
 #include "error.h"
 #include "lines.h"
+#include "outputfile.h"
 
 #include <algorithm>
 #include <array>
@@ -41,7 +42,8 @@ const Command command{
     "Looks for the shortest path of 1 to PathLen steps on which the formula holds somewhere, and\n"
     "prints it. Both files are named without their \".in\".\n"
     "\n"
-    "Exit status: 10 a path, replayed on the network; 20 no path of these lengths; 1 an error.\n",
+    "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or proved that\n"
+    "there is none of any length; 1 an error.\n",
     {{"solver", "COMMAND",
       "what to run on a .cnf file, in the words of a shell: a solver that\n"
       "writes the competition format, or MiniSat; by default the first of cadical, kissat, "
@@ -51,7 +53,9 @@ const Command command{
      {"format", "FORMAT", "text, json, vcd or dot, as tervoxal-path writes them (text)"},
      {"keep", "DIRECTORY",
       "keep the clauses, the side file, the solver's output and the time\n"
-      "file there; by default they are temporary"}},
+      "file there; by default they are temporary"},
+     {"prove", "", "first ask berkeley-abc for a proof that there is no path of any length"},
+     {"prove-time", "SECONDS", "the same, for SECONDS at most (60)"}},
     3,
     3};
 
@@ -59,7 +63,8 @@ const Command command{
 struct Task {
     std::string tervoxal;
     std::string tervoxalPath;
-    std::string solver; // the words of a command, as a shell reads them
+    std::string tervoxalAiger; // where a proof is asked for
+    std::string solver;        // the words of a command, as a shell reads them
     std::string format;
     std::string network; // the names in the working directory of the sweep
     std::string formula;
@@ -67,14 +72,15 @@ struct Task {
     long from = 1;
     long to = 1;
     std::size_t jobs = 1;
+    long proofTime = 0; // seconds; 0: no proof is asked for
 };
 
-enum class Verdict { none, path, refused };
+enum class Verdict { none, never, path, refused };
 
 /// What came out for one length, or for all.
 struct Result {
     Verdict verdict = Verdict::none;
-    double seconds = 0;
+    std::chrono::duration<double> time{0};
     std::string text; // the path, or why there is no verdict
     int signal = 0;   // not 0: ended by it, ahead of any verdict
 };
@@ -95,6 +101,25 @@ std::string lastLine(const fs::path& file) {
         if (!line.empty()) last = line;
     }
     return last;
+}
+
+std::string cannotStart(const Launch& launch) {
+    return "cannot start " + launch.words.front() + ": " + std::strerror(errno);
+}
+
+/// Tells of a child that ended otherwise than it should.
+std::string howEnded(const std::string& who, int status, const fs::path& log) {
+    const std::string signal = signalIn(status);
+    const std::string line = lastLine(log);
+    return who + " ended with status " + std::to_string(status) +
+           (signal.empty() ? "" : " (" + signal + ")") + (line.empty() ? "" : ": " + line);
+}
+
+/// A time in seconds.
+std::string shown(std::chrono::duration<double> time) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << time.count() << " s";
+    return text.str();
 }
 
 /// MiniSat prints no model: it writes one to the file that is its second argument.
@@ -162,9 +187,7 @@ Result Sweep::run() {
             std::set<pid_t> all;
             for (const auto& [child, length] : running) all.insert(child);
             children.end(all);
-            Result result;
-            result.signal = event.signal;
-            return result;
+            return {Verdict::none, {}, "", event.signal};
         }
         const Length length = running.at(event.child);
         running.erase(event.child);
@@ -208,21 +231,12 @@ void Sweep::startStage(const Length& length) {
     if (const pid_t pid = children.start(child); pid != 0) {
         running.emplace(pid, length);
     } else {
-        settle(length, Verdict::refused,
-               "cannot start " + child.words.front() + ": " + std::strerror(errno));
+        settle(length, Verdict::refused, cannotStart(child));
     }
 }
 
 void Sweep::endStage(Length length, int status) {
     const long k = length.k;
-    const auto refuse = [&](const std::string& who, const char* log) {
-        const std::string signal = signalIn(status);
-        const std::string line = lastLine(file(k, log));
-        settle(length, Verdict::refused,
-               "k = " + std::to_string(k) + ": " + who + " ended with status " +
-                   std::to_string(status) + (signal.empty() ? "" : " (" + signal + ")") +
-                   (line.empty() ? "" : ": " + line));
-    };
     const auto noVerdict = [&](const std::string& why) {
         settle(length, Verdict::refused, "k = " + std::to_string(k) + ": " + why);
     };
@@ -232,7 +246,7 @@ void Sweep::endStage(Length length, int status) {
         if (const std::string line = lastLine(file(k, ".progress")); status == 1 && !line.empty()) {
             settle(length, Verdict::refused, line);
         } else if (status != 0) {
-            refuse("tervoxal", ".progress");
+            noVerdict(howEnded("tervoxal", status, file(k, ".progress")));
         } else if (!fs::exists(file(k, ".cnf")) || !fs::exists(file(k, ".lck"))) {
             noVerdict("the clauses cannot be written in " + directory.parent_path().string());
         } else {
@@ -242,7 +256,7 @@ void Sweep::endStage(Length length, int status) {
         return;
     case Length::Stage::solver:
         if (status != 0 && status != 10 && status != 20) {
-            refuse("the solver", ".log");
+            noVerdict(howEnded("the solver", status, file(k, ".log")));
         } else {
             length.solverStatus = status;
             length.stage = Length::Stage::path;
@@ -256,7 +270,7 @@ void Sweep::endStage(Length length, int status) {
     } else if (status == 1) {
         noVerdict("the solver's answer is refused: " + lastLine(file(k, ".refusal")));
     } else if (status != 10 && status != 20) {
-        refuse("tervoxal-path", ".refusal");
+        noVerdict(howEnded("tervoxal-path", status, file(k, ".refusal")));
     } else if (length.solverStatus != 0 && length.solverStatus != status) {
         noVerdict("the solver ended with status " + std::to_string(length.solverStatus) +
                   ", but its output says otherwise");
@@ -269,9 +283,8 @@ void Sweep::endStage(Length length, int status) {
 }
 
 void Sweep::settle(const Length& length, Verdict verdict, const std::string& text) {
-    const std::chrono::duration<double> time = std::chrono::steady_clock::now() - length.begin;
     Result& result = results[length.k];
-    result = {verdict, time.count(), text, 0};
+    result = {verdict, std::chrono::steady_clock::now() - length.begin, text, 0};
     if (const std::string problem = putAway(length.k); !problem.empty()) {
         result.verdict = Verdict::refused;
         result.text = problem;
@@ -310,11 +323,10 @@ void Sweep::report() {
     for (; results.contains(unreported) && unreported <= last; ++unreported) {
         const Result& result = results.at(unreported);
         if (result.verdict == Verdict::refused) return;
-        std::ostringstream line;
-        line << "k = " << unreported << ": "
-             << (result.verdict == Verdict::path ? "SATISFIABLE" : "UNSATISFIABLE") << ", "
-             << std::fixed << std::setprecision(2) << result.seconds << " s\n";
-        std::cerr << line.str();
+        const char* const verdict =
+            result.verdict == Verdict::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
+        std::cerr << "k = " + std::to_string(unreported) + ": " + verdict + shown(result.time) +
+                         '\n';
         if (result.verdict == Verdict::path) return;
         results.erase(unreported);
     }
@@ -340,10 +352,67 @@ std::string defaultSolver() {
 }
 
 bool writeFile(const fs::path& file, const std::string& text) {
-    std::ofstream out(file, std::ios::binary);
-    out << text;
-    out.close();
-    return bool(out);
+    OutputFile out(file);
+    out.write(text);
+    return out.close();
+}
+
+bool hasLine(const fs::path& file, std::string_view part) {
+    std::ifstream in(file, std::ios::binary);
+    for (std::string line; std::getline(in, line);) {
+        if (line.find(part) != std::string::npos) return true;
+    }
+    return false;
+}
+
+/// What a model checker says of all lengths.
+struct Proof {
+    bool proved;
+    std::string text; // how it went
+    int signal;       // not 0: ended by it
+};
+
+/// Asks for a proof that no path of any length meets the formula, within the task's time.
+Proof prove(const Task& task, Children& children, const fs::path& directory) {
+    const std::string checker = onPath("berkeley-abc");
+    if (checker.empty()) return {false, "the command and package berkeley-abc is missing", 0};
+    using Clock = std::chrono::steady_clock;
+    const auto begin = Clock::now();
+    // The checker splits its commands at blanks, so the name of its file is ours.
+    const fs::path question = directory / "question.aig";
+    const fs::path result = directory / "proof";
+    const fs::path log = directory / "proof.log";
+    const std::vector<Launch> steps = {
+        {{task.tervoxalAiger, "--", task.network, task.formula}, directory, question, log},
+        {{checker, "-c", "read_aiger question.aig; pdr"}, directory, result, log}};
+    for (const Launch& step : steps) {
+        const pid_t child = children.start(step);
+        if (child == 0) return {false, cannotStart(step), 0};
+        const auto left = begin + std::chrono::seconds(task.proofTime) - Clock::now();
+        const Event event =
+            children.wait(std::chrono::duration_cast<std::chrono::milliseconds>(left));
+        if (event.child == 0) {
+            children.end({child});
+            return {false, "none in " + std::to_string(task.proofTime) + " s", event.signal};
+        }
+        if (event.status != 0) {
+            const std::string name = fs::path(step.words.front()).filename();
+            return {false, howEnded(name, event.status, log), 0};
+        }
+    }
+    if (!task.keep.empty()) {
+        std::error_code ignored;
+        fs::rename(question, task.keep / (task.network + ".aig"), ignored);
+        fs::copy_file(result, task.keep / (task.network + ".proof"),
+                      fs::copy_options::overwrite_existing, ignored);
+    }
+    const std::string time = " in " + shown(Clock::now() - begin);
+    // It checks the invariant that it has found, and tells that apart from the verdict.
+    if (hasLine(result, "Property proved.") && !hasLine(result, "erification failed")) {
+        return {true, "proved" + time, 0};
+    }
+    if (hasLine(result, "was asserted in frame")) return {false, "refuted" + time, 0};
+    return {false, "berkeley-abc does not tell", 0};
 }
 
 /// The sweep in a directory of its own, which is gone when it comes back.
@@ -354,15 +423,19 @@ Result solved(const Task& task, const std::string& network, const std::string& f
     const TemporaryDirectory directory(task.keep.empty() ? temporary : task.keep, command.name);
     if (!writeFile(directory.path / (task.network + ".in"), network) ||
         !writeFile(directory.path / (task.formula + ".in"), formula)) {
-        Result result;
-        result.verdict = Verdict::refused;
-        result.text = "cannot write in " + directory.path.parent_path().string();
-        return result;
+        return {
+            Verdict::refused, {}, "cannot write in " + directory.path.parent_path().string(), 0};
     }
     if (!task.keep.empty()) {
         const char* const timeFile = "tervoxaltime.out";
         std::error_code ignored;
         fs::create_symlink(task.keep / timeFile, directory.path / timeFile, ignored);
+    }
+    if (task.proofTime > 0) {
+        const Proof proof = prove(task, children, directory.path);
+        if (proof.signal != 0) return {Verdict::none, {}, "", proof.signal};
+        if (proof.proved) return {Verdict::never, {}, proof.text, 0};
+        std::cerr << "proof: " + proof.text + '\n';
     }
     return Sweep(task, children, directory.path).run();
 }
@@ -381,6 +454,10 @@ int main(int argc, char* argv[]) {
     }
     task.tervoxal = companion("tervoxal");
     task.tervoxalPath = companion("tervoxal-path");
+    if (call.has("prove") || call.has("prove-time")) {
+        task.proofTime = call.number("prove-time", 1, greatestLength, 60);
+        task.tervoxalAiger = companion("tervoxal-aiger");
+    }
     task.solver = call.has("solver") ? call.value("solver", "") : defaultSolver();
     task.network = baseName(call.operands[0]);
     task.formula = baseName(call.operands[1]);
@@ -400,6 +477,9 @@ int main(int argc, char* argv[]) {
     switch (result.verdict) {
     case Verdict::refused: error(result.text);
     case Verdict::path: std::cout << result.text; return finished(10);
+    case Verdict::never:
+        std::cerr << "never, at any length: " + result.text + '\n';
+        return finished(20);
     case Verdict::none: break;
     }
     std::cerr << "no path of "

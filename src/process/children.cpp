@@ -30,7 +30,7 @@ void redirect(const std::string& file, int flags, int target) {
 }
 
 /// The new process, up to its program. Its signals are still blocked.
-[[noreturn]] void become(const Launch& launch, char* const arguments[], pid_t parent,
+[[noreturn]] void become(const Launch& launch, std::vector<char*>& arguments, pid_t parent,
                          const sigset_t& mask) {
     setpgid(0, 0);
     prctl(PR_SET_PDEATHSIG, SIGTERM);
@@ -43,7 +43,7 @@ void redirect(const std::string& file, int flags, int target) {
     }
     for (const int ignored : {SIGPIPE, SIGXFSZ}) std::signal(ignored, SIG_DFL);
     sigprocmask(SIG_SETMASK, &mask, nullptr);
-    execv(arguments[0], arguments);
+    execv(arguments.front(), arguments.data());
     giveUp(launch.words.front());
 }
 
@@ -111,12 +111,13 @@ Children::~Children() {
 pid_t Children::start(const Launch& launch) {
     std::vector<std::string> words = launch.words;
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) return 0;
-    if (child == 0) become(launch, arguments.data(), parent, before);
+    if (child == 0) become(launch, arguments, parent, before);
     // The child does it too: whoever is first.
     setpgid(child, child);
     running.insert(child);

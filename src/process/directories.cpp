@@ -49,7 +49,7 @@ std::string companion(const std::string& command) {
     std::error_code ignored;
     const auto own = std::filesystem::read_symlink("/proc/self/exe", ignored);
     if (const auto file = own.parent_path() / command; !own.empty() && isCommand(file)) return file;
-    const std::string found = onPath(command);
+    std::string found = onPath(command);
     if (found.empty()) error(command + " is neither beside this command nor on the path");
     return found;
 }
