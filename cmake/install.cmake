@@ -37,7 +37,7 @@ foreach(command ${companions})
 endforeach()
 install(FILES completion/_tervoxal DESTINATION share/zsh/vendor-completions)
 
-add_custom_target(installed DEPENDS ${commands} ${compressed})
+add_custom_target(installed ALL DEPENDS ${commands} ${compressed})
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_CONTACT "tervoxal maintainers <maintainers@tervoxal.example>")
