@@ -80,13 +80,16 @@ std::string CommandLine::value(const std::string& option, const std::string& oth
 }
 
 long CommandLine::number(const std::string& option, long least, long most, long otherwise) const {
-    if (!has(option)) return otherwise;
-    const std::string text = value(option, "");
+    return has(option) ? numberIn(value(option, ""), "--" + option, least, most) : otherwise;
+}
+
+long CommandLine::numberIn(const std::string& text, const std::string& what, long least,
+                           long most) const {
     long n = 0;
     const char* const end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data(), end, n);
     if (parsed.ec != std::errc() || parsed.ptr != end || n < least || n > most) {
-        misused("--" + option + " needs a number from " + std::to_string(least) + " to " +
+        misused(what + " needs a number from " + std::to_string(least) + " to " +
                 std::to_string(most) + ", not '" + text + "'");
     }
     return n;

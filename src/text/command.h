@@ -39,6 +39,10 @@ public:
     /// The value as a number from least to most; another value ends the process like a bad call.
     [[nodiscard]] long number(const std::string& option, long least, long most,
                               long otherwise) const;
+    /// A text as a number from least to most; another text ends the process like a bad call, with
+    /// `what` as the text's name.
+    [[nodiscard]] long numberIn(const std::string& text, const std::string& what, long least,
+                                long most) const;
     /// Ends the process with status 1, the message and a hint at --help on standard error.
     [[noreturn]] void misused(const std::string& message) const;
 

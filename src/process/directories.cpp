@@ -1,0 +1,55 @@
+#include "directories.h"
+
+#include "error.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <sstream>
+#include <system_error>
+#include <unistd.h>
+
+namespace {
+
+bool isCommand(const std::filesystem::path& file) {
+    std::error_code ignored;
+    return std::filesystem::is_regular_file(file, ignored) && access(file.c_str(), X_OK) == 0;
+}
+
+} // namespace
+
+TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& parent,
+                                       const std::string& name) {
+    std::error_code ignored;
+    std::string pattern = std::filesystem::absolute(parent, ignored) / (name + "-XXXXXX");
+    if (mkdtemp(pattern.data()) == nullptr) {
+        error("cannot make a directory in " + parent.string() + ": " + std::strerror(errno));
+    }
+    path = pattern;
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+std::string onPath(const std::string& command) {
+    const char* const path = std::getenv("PATH");
+    std::istringstream directories(path == nullptr ? "/usr/local/bin:/usr/bin:/bin" : path);
+    for (std::string directory; std::getline(directories, directory, ':');) {
+        std::error_code ignored;
+        const auto file =
+            std::filesystem::absolute(directory.empty() ? "." : directory, ignored) / command;
+        if (isCommand(file)) return file;
+    }
+    return "";
+}
+
+std::string companion(const std::string& command) {
+    std::error_code ignored;
+    const auto own = std::filesystem::read_symlink("/proc/self/exe", ignored);
+    if (const auto file = own.parent_path() / command; !own.empty() && isCommand(file)) return file;
+    std::string found = onPath(command);
+    if (found.empty()) error(command + " is neither beside this command nor on the path");
+    return found;
+}

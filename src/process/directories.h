@@ -1,0 +1,26 @@
+// Where commands and temporary files are.
+
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// A new directory that nobody else may read, removed at the end with all that is in it.
+class TemporaryDirectory {
+public:
+    /// Makes it in `parent`, under the name and some letters more. Ends the process with status 1
+    /// and one line on standard error where that is not possible.
+    TemporaryDirectory(const std::filesystem::path& parent, const std::string& name);
+    ~TemporaryDirectory();
+    TemporaryDirectory(const TemporaryDirectory&) = delete;
+    TemporaryDirectory& operator=(const TemporaryDirectory&) = delete;
+
+    std::filesystem::path path; // absolute
+};
+
+/// The absolute file of a command, as a shell would find it on PATH; empty if it is not there.
+[[nodiscard]] std::string onPath(const std::string& command);
+/// The absolute file of a command that is installed together with this one: the one beside this
+/// process's own binary, or else the one on PATH. Ends the process with status 1 and one line on
+/// standard error if it is in neither place.
+[[nodiscard]] std::string companion(const std::string& command);
