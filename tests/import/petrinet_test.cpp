@@ -53,6 +53,9 @@ struct Net {
         const auto arc = [](const std::string& source, const std::string& target) {
             return "<arc source='" + source + "' target='" + target + "'/>";
         };
+        const auto reference = [](const std::string& id) {
+            return "<page><referencePlace id='r" + id + "' ref='p" + id + "'/></page>";
+        };
         std::vector<std::string> nodes;
         std::vector<std::string> others;
         std::ostringstream units;
@@ -60,7 +63,7 @@ struct Net {
             const std::string id = std::to_string(p);
             nodes.push_back("<place id='p" + id + "'><initialMarking><text>" +
                             std::to_string(initial.count(p)) + "</text></initialMarking></place>");
-            others.push_back("<page><referencePlace id='r" + id + "' ref='p" + id + "'/></page>");
+            others.push_back(reference(id));
             units << "<unit id='u" << id << "'><places>";
             for (uint q = 0; q < unit.size(); ++q) {
                 if (unit[q] == p) units << " p" << q;
