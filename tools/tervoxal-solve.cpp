@@ -1,6 +1,4 @@
-// The command tervoxal-solve: the least path length with a path, and that path. Each length is a
-// run of tervoxal, of a solver and of tervoxal-path, which alone says what the solver's output
-// means. Several lengths may run side by side; what is reported does not depend on their order.
+// The command tervoxal-solve: the least path length with a path, and that path.
 
 #include "children.h"
 #include "command.h"
@@ -8,26 +6,21 @@
 #include "error.h"
 #include "lines.h"
 #include "outputfile.h"
+#include "proof.h"
+#include "sweep.h"
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iomanip>
 #include <iostream>
-#include <map>
-#include <optional>
 #include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
 #include <system_error>
-#include <vector>
 
 namespace {
 
@@ -59,278 +52,13 @@ const Command command{
     3,
     3};
 
-/// What a sweep runs, and on what.
-struct Task {
-    std::string tervoxal;
-    std::string tervoxalPath;
-    std::string tervoxalAiger; // where a proof is asked for
-    std::string solver;        // the words of a command, as a shell reads them
-    std::string format;
-    std::string network; // the names in the working directory of the sweep
-    std::string formula;
-    fs::path keep; // empty: nothing is kept
-    long from = 1;
-    long to = 1;
-    std::size_t jobs = 1;
-    long proofTime = 0; // seconds; 0: no proof is asked for
+/// What the sweep of a task needs beside it.
+struct Setting {
+    std::string network; // the text of the network file
+    std::string formula; // the text of the formula file
+    std::string tervoxalAiger;
+    std::chrono::seconds proofLimit{0}; // 0: no proof is asked for
 };
-
-enum class Verdict { none, never, path, refused };
-
-/// What came out for one length, or for all.
-struct Result {
-    Verdict verdict = Verdict::none;
-    std::chrono::duration<double> time{0};
-    std::string text; // the path, or why there is no verdict
-    int signal = 0;   // not 0: ended by it, ahead of any verdict
-};
-
-std::string contents(std::istream& in) {
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-/// The last line of a file that is not empty, of its last 4 KiB.
-std::string lastLine(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    in.seekg(0, std::ios::end);
-    in.seekg(std::max<std::streamoff>(0, in.tellg() - std::streamoff(4096)));
-    std::string last;
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty()) last = line;
-    }
-    return last;
-}
-
-std::string cannotStart(const Launch& launch) {
-    return "cannot start " + launch.words.front() + ": " + std::strerror(errno);
-}
-
-/// Tells of a child that ended otherwise than it should.
-std::string howEnded(const std::string& who, int status, const fs::path& log) {
-    const std::string signal = signalIn(status);
-    const std::string line = lastLine(log);
-    return who + " ended with status " + std::to_string(status) +
-           (signal.empty() ? "" : " (" + signal + ")") + (line.empty() ? "" : ": " + line);
-}
-
-/// A time in seconds.
-std::string shown(std::chrono::duration<double> time) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(2) << time.count() << " s";
-    return text.str();
-}
-
-/// MiniSat prints no model: it writes one to the file that is its second argument.
-bool isMinisat(const std::string& solver) {
-    std::istringstream words(solver);
-    for (std::string word; words >> word;) {
-        if (fs::path(word).filename().string().starts_with("minisat")) return true;
-    }
-    return false;
-}
-
-/// The run of one length.
-struct Length {
-    enum class Stage { translation, solver, path };
-
-    long k;
-    Stage stage;
-    int solverStatus;
-    std::chrono::steady_clock::time_point begin;
-};
-
-/// The lengths of a task, in ascending order, up to the first one that decides: that has a path, or
-/// an error. Those above it are cancelled, those below it are waited for.
-class Sweep {
-public:
-    Sweep(const Task& task, Children& children, fs::path directory)
-        : task(task), children(children), directory(std::move(directory)), next(task.from),
-          last(task.to), unreported(task.from) {}
-
-    /// All children have ended when it comes back.
-    [[nodiscard]] Result run();
-
-private:
-    [[nodiscard]] std::string name(long k, const char* suffix) const {
-        return task.network + "k" + std::to_string(k) + suffix;
-    }
-    [[nodiscard]] fs::path file(long k, const char* suffix) const {
-        return directory / name(k, suffix);
-    }
-    void startStage(const Length& length);
-    [[nodiscard]] Launch launch(const Length& length) const;
-    void endStage(Length length, int status);
-    void settle(const Length& length, Verdict verdict, const std::string& text);
-    [[nodiscard]] std::string putAway(long k) const;
-    void report();
-
-    const Task& task;
-    Children& children;
-    fs::path directory;
-    std::map<pid_t, Length> running;
-    std::map<long, Result> results; // of the lengths from unreported on
-    long next;
-    long last;
-    long unreported;
-};
-
-Result Sweep::run() {
-    while (next <= last || !running.empty()) {
-        if (next <= last && running.size() < task.jobs) {
-            startStage({next++, Length::Stage::translation, 0, std::chrono::steady_clock::now()});
-            continue;
-        }
-        const Event event = children.wait();
-        if (event.signal != 0) {
-            std::set<pid_t> all;
-            for (const auto& [child, length] : running) all.insert(child);
-            children.end(all);
-            return {Verdict::none, {}, "", event.signal};
-        }
-        const Length length = running.at(event.child);
-        running.erase(event.child);
-        endStage(length, event.status);
-        report();
-    }
-    return results.contains(last) ? results.at(last) : Result();
-}
-
-Launch Sweep::launch(const Length& length) const {
-    const long k = length.k;
-    switch (length.stage) {
-    case Length::Stage::translation:
-        return {{task.tervoxal, task.network, task.formula, std::to_string(k)},
-                directory,
-                "/dev/null",
-                file(k, ".progress")};
-    case Length::Stage::solver: {
-        // It runs where the user is, so that the command may name files there.
-        Launch solver{{"/bin/sh", "-c", "exec " + task.solver + " \"$@\"", "sh", file(k, ".cnf")},
-                      "",
-                      file(k, ".answer"),
-                      file(k, ".log")};
-        if (isMinisat(task.solver)) {
-            solver.words.push_back(solver.out);
-            solver.out = "/dev/null";
-        }
-        return solver;
-    }
-    case Length::Stage::path: break;
-    }
-    return {{task.tervoxalPath, "--format=" + task.format, "--", task.network, task.formula,
-             std::to_string(k), name(k, ".answer")},
-            directory,
-            file(k, ".path"),
-            file(k, ".refusal")};
-}
-
-void Sweep::startStage(const Length& length) {
-    const Launch child = launch(length);
-    if (const pid_t pid = children.start(child); pid != 0) {
-        running.emplace(pid, length);
-    } else {
-        settle(length, Verdict::refused, cannotStart(child));
-    }
-}
-
-void Sweep::endStage(Length length, int status) {
-    const long k = length.k;
-    const auto noVerdict = [&](const std::string& why) {
-        settle(length, Verdict::refused, "k = " + std::to_string(k) + ": " + why);
-    };
-
-    switch (length.stage) {
-    case Length::Stage::translation:
-        if (const std::string line = lastLine(file(k, ".progress")); status == 1 && !line.empty()) {
-            settle(length, Verdict::refused, line);
-        } else if (status != 0) {
-            noVerdict(howEnded("tervoxal", status, file(k, ".progress")));
-        } else if (!fs::exists(file(k, ".cnf")) || !fs::exists(file(k, ".lck"))) {
-            noVerdict("the clauses cannot be written in " + directory.parent_path().string());
-        } else {
-            length.stage = Length::Stage::solver;
-            startStage(length);
-        }
-        return;
-    case Length::Stage::solver:
-        if (status != 0 && status != 10 && status != 20) {
-            noVerdict(howEnded("the solver", status, file(k, ".log")));
-        } else {
-            length.solverStatus = status;
-            length.stage = Length::Stage::path;
-            startStage(length);
-        }
-        return;
-    case Length::Stage::path: break;
-    }
-    if (status == 0) {
-        noVerdict("the solver gives no answer");
-    } else if (status == 1) {
-        noVerdict("the solver's answer is refused: " + lastLine(file(k, ".refusal")));
-    } else if (status != 10 && status != 20) {
-        noVerdict(howEnded("tervoxal-path", status, file(k, ".refusal")));
-    } else if (length.solverStatus != 0 && length.solverStatus != status) {
-        noVerdict("the solver ended with status " + std::to_string(length.solverStatus) +
-                  ", but its output says otherwise");
-    } else if (status == 20) {
-        settle(length, Verdict::none, "");
-    } else {
-        std::ifstream path(file(k, ".path"), std::ios::binary);
-        settle(length, Verdict::path, contents(path));
-    }
-}
-
-void Sweep::settle(const Length& length, Verdict verdict, const std::string& text) {
-    Result& result = results[length.k];
-    result = {verdict, std::chrono::steady_clock::now() - length.begin, text, 0};
-    if (const std::string problem = putAway(length.k); !problem.empty()) {
-        result.verdict = Verdict::refused;
-        result.text = problem;
-    }
-    if (result.verdict == Verdict::none) return;
-    last = length.k;
-    std::set<pid_t> cancelled;
-    for (const auto& [child, other] : running) {
-        if (other.k > last) cancelled.insert(child);
-    }
-    children.end(cancelled);
-    for (const pid_t child : cancelled) running.erase(child);
-}
-
-/// Keeps or removes the files of a length. Gives what went wrong, or an empty text.
-std::string Sweep::putAway(long k) const {
-    for (const char* suffix : {".cnf", ".lck", ".answer", ".log"}) {
-        if (task.keep.empty() || !fs::exists(file(k, suffix))) continue;
-        std::error_code problem;
-        fs::rename(file(k, suffix), task.keep / name(k, suffix), problem);
-        if (problem) {
-            return "cannot keep " + (task.keep / name(k, suffix)).string() + ": " +
-                   problem.message();
-        }
-    }
-    for (const char* suffix :
-         {".cnf", ".lck", ".answer", ".log", ".progress", ".path", ".refusal"}) {
-        std::error_code ignored;
-        fs::remove(file(k, suffix), ignored);
-    }
-    return "";
-}
-
-/// Tells of the lengths below which none is open.
-void Sweep::report() {
-    for (; results.contains(unreported) && unreported <= last; ++unreported) {
-        const Result& result = results.at(unreported);
-        if (result.verdict == Verdict::refused) return;
-        const char* const verdict =
-            result.verdict == Verdict::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
-        std::cerr << "k = " + std::to_string(unreported) + ": " + verdict + shown(result.time) +
-                         '\n';
-        if (result.verdict == Verdict::path) return;
-        results.erase(unreported);
-    }
-}
 
 /// What stands behind the last slash. Files of a sweep have that name and some letters more.
 std::string baseName(const std::string& name) {
@@ -339,8 +67,9 @@ std::string baseName(const std::string& name) {
 }
 
 std::string inputOf(const std::string& name) {
-    std::ifstream in = openInput(name + ".in");
-    return contents(in);
+    std::ostringstream text;
+    text << openInput(name + ".in").rdbuf();
+    return text.str();
 }
 
 std::string defaultSolver() {
@@ -357,87 +86,41 @@ bool writeFile(const fs::path& file, const std::string& text) {
     return out.close();
 }
 
-bool hasLine(const fs::path& file, std::string_view part) {
-    std::ifstream in(file, std::ios::binary);
-    for (std::string line; std::getline(in, line);) {
-        if (line.find(part) != std::string::npos) return true;
-    }
-    return false;
-}
-
-/// What a model checker says of all lengths.
-struct Proof {
-    bool proved;
-    std::string text; // how it went
-    int signal;       // not 0: ended by it
-};
-
-/// Asks for a proof that no path of any length meets the formula, within the task's time.
-Proof prove(const Task& task, Children& children, const fs::path& directory) {
-    const std::string checker = onPath("berkeley-abc");
-    if (checker.empty()) return {false, "the command and package berkeley-abc is missing", 0};
-    using Clock = std::chrono::steady_clock;
-    const auto begin = Clock::now();
-    // The checker splits its commands at blanks, so the name of its file is ours.
-    const fs::path question = directory / "question.aig";
-    const fs::path result = directory / "proof";
-    const fs::path log = directory / "proof.log";
-    const std::vector<Launch> steps = {
-        {{task.tervoxalAiger, "--", task.network, task.formula}, directory, question, log},
-        {{checker, "-c", "read_aiger question.aig; pdr"}, directory, result, log}};
-    for (const Launch& step : steps) {
-        const pid_t child = children.start(step);
-        if (child == 0) return {false, cannotStart(step), 0};
-        const auto left = begin + std::chrono::seconds(task.proofTime) - Clock::now();
-        const Event event =
-            children.wait(std::chrono::duration_cast<std::chrono::milliseconds>(left));
-        if (event.child == 0) {
-            children.end({child});
-            return {false, "none in " + std::to_string(task.proofTime) + " s", event.signal};
-        }
-        if (event.status != 0) {
-            const std::string name = fs::path(step.words.front()).filename();
-            return {false, howEnded(name, event.status, log), 0};
-        }
-    }
-    if (!task.keep.empty()) {
+/// Moves the question and the answer of a proof to where files are kept.
+void keepProof(const Task& task, const fs::path& directory) {
+    for (const char* suffix : {".aig", ".proof"}) {
         std::error_code ignored;
-        fs::rename(question, task.keep / (task.network + ".aig"), ignored);
-        fs::copy_file(result, task.keep / (task.network + ".proof"),
-                      fs::copy_options::overwrite_existing, ignored);
+        fs::rename(directory / ("question" + std::string(suffix)),
+                   task.keep / (task.network + suffix), ignored);
     }
-    const std::string time = " in " + shown(Clock::now() - begin);
-    // It checks the invariant that it has found, and tells that apart from the verdict.
-    if (hasLine(result, "Property proved.") && !hasLine(result, "erification failed")) {
-        return {true, "proved" + time, 0};
-    }
-    if (hasLine(result, "was asserted in frame")) return {false, "refuted" + time, 0};
-    return {false, "berkeley-abc does not tell", 0};
 }
 
-/// The sweep in a directory of its own, which is gone when it comes back.
-Result solved(const Task& task, const std::string& network, const std::string& formula) {
+/// The proof and the sweep in a directory of their own, which is gone when it comes back.
+Result solved(const Task& task, const Setting& setting) {
     Children children;
     const char* const place = std::getenv("TMPDIR");
     const fs::path temporary = place == nullptr || *place == '\0' ? "/tmp" : place;
-    const TemporaryDirectory directory(task.keep.empty() ? temporary : task.keep, command.name);
-    if (!writeFile(directory.path / (task.network + ".in"), network) ||
-        !writeFile(directory.path / (task.formula + ".in"), formula)) {
-        return {
-            Verdict::refused, {}, "cannot write in " + directory.path.parent_path().string(), 0};
+    const fs::path parent = task.keep.empty() ? temporary : task.keep;
+    const TemporaryDirectory directory(parent, command.name);
+    if (!writeFile(directory.path / (task.network + ".in"), setting.network) ||
+        !writeFile(directory.path / (task.formula + ".in"), setting.formula)) {
+        return {Verdict::refused, {}, "cannot write in " + parent.string(), 0};
+    }
+    if (setting.proofLimit.count() > 0) {
+        const Proof proof = prove(setting.tervoxalAiger, task.network, task.formula,
+                                  setting.proofLimit, children, directory.path);
+        if (proof.signal != 0) return {Verdict::none, {}, "", proof.signal};
+        if (!task.keep.empty()) keepProof(task, directory.path);
+        if (proof.proved) return {Verdict::none, {}, "never, at any length: " + proof.text, 0};
+        std::cerr << "proof: " + proof.text + '\n';
     }
     if (!task.keep.empty()) {
+        // Each run adds its line to the file that the link leads to.
         const char* const timeFile = "tervoxaltime.out";
         std::error_code ignored;
         fs::create_symlink(task.keep / timeFile, directory.path / timeFile, ignored);
     }
-    if (task.proofTime > 0) {
-        const Proof proof = prove(task, children, directory.path);
-        if (proof.signal != 0) return {Verdict::none, {}, "", proof.signal};
-        if (proof.proved) return {Verdict::never, {}, proof.text, 0};
-        std::cerr << "proof: " + proof.text + '\n';
-    }
-    return Sweep(task, children, directory.path).run();
+    return sweep(task, children, directory.path);
 }
 
 } // namespace
@@ -445,6 +128,7 @@ Result solved(const Task& task, const std::string& network, const std::string& f
 int main(int argc, char* argv[]) {
     const CommandLine call(command, argc, argv);
     Task task;
+    Setting setting;
     task.to = call.numberIn(call.operands[2], "PathLen", 1, greatestLength);
     task.from = call.number("from", 1, task.to, 1);
     task.jobs = static_cast<std::size_t>(call.number("jobs", 1, 1024, 1));
@@ -455,16 +139,16 @@ int main(int argc, char* argv[]) {
     task.tervoxal = companion("tervoxal");
     task.tervoxalPath = companion("tervoxal-path");
     if (call.has("prove") || call.has("prove-time")) {
-        task.proofTime = call.number("prove-time", 1, greatestLength, 60);
-        task.tervoxalAiger = companion("tervoxal-aiger");
+        setting.proofLimit = std::chrono::seconds(call.number("prove-time", 1, greatestLength, 60));
+        setting.tervoxalAiger = companion("tervoxal-aiger");
     }
     task.solver = call.has("solver") ? call.value("solver", "") : defaultSolver();
     task.network = baseName(call.operands[0]);
     task.formula = baseName(call.operands[1]);
     if (task.formula == task.network) task.formula += "-formula";
     // Both are read once: they may be pipes, and all lengths speak of the same network.
-    const std::string network = inputOf(call.operands[0]);
-    const std::string formula = inputOf(call.operands[1]);
+    setting.network = inputOf(call.operands[0]);
+    setting.formula = inputOf(call.operands[1]);
     if (call.has("keep")) {
         std::error_code problem;
         task.keep = fs::absolute(call.value("keep", ""), problem);
@@ -472,18 +156,12 @@ int main(int argc, char* argv[]) {
         if (problem) error("cannot make " + task.keep.string() + ": " + problem.message());
     }
 
-    const Result result = solved(task, network, formula);
+    const Result result = solved(task, setting);
     if (result.signal != 0) dieBy(result.signal);
     switch (result.verdict) {
-    case Verdict::refused: error(result.text);
+    case Verdict::none: std::cerr << result.text + '\n'; return finished(20);
     case Verdict::path: std::cout << result.text; return finished(10);
-    case Verdict::never:
-        std::cerr << "never, at any length: " + result.text + '\n';
-        return finished(20);
-    case Verdict::none: break;
+    case Verdict::refused: break;
     }
-    std::cerr << "no path of "
-              << (task.from < task.to ? std::to_string(task.from) + " to " : std::string())
-              << task.to << " steps; this says nothing of longer ones\n";
-    return finished(20);
+    error(result.text);
 }

@@ -195,7 +195,27 @@ void Children::end(const std::set<pid_t>& children) {
     std::erase_if(unseen, [&](const Event& event) { return children.contains(event.child); });
 }
 
-std::string signalIn(int status) { return status > 128 ? strsignal(status - 128) : ""; }
+std::string notStarted(const Launch& launch) {
+    return "cannot start " + launch.words.front() + ": " + std::strerror(errno);
+}
+
+std::string howEnded(const std::string& who, int status, const std::filesystem::path& log) {
+    const std::string line = lastLine(log);
+    return who + " ended with status " + std::to_string(status) +
+           (status > 128 ? " (" + std::string(strsignal(status - 128)) + ")" : "") +
+           (line.empty() ? "" : ": " + line);
+}
+
+std::string lastLine(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    in.seekg(0, std::ios::end);
+    in.seekg(std::max<std::streamoff>(0, in.tellg() - std::streamoff(4096)));
+    std::string last;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty()) last = line;
+    }
+    return last;
+}
 
 void dieBy(int signal) {
     std::signal(signal, SIG_DFL);

@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <optional>
 #include <set>
 #include <string>
@@ -61,7 +62,13 @@ private:
     sigset_t awaited{}; // enders and SIGCHLD
 };
 
-/// The name of the signal in a status of wait, or an empty text where it is an exit status.
-[[nodiscard]] std::string signalIn(int status);
+/// Why a child could not be started, right behind the call.
+[[nodiscard]] std::string notStarted(const Launch& launch);
+/// Tells of a child that ended otherwise than it should: who, with which status, and the last line
+/// of the file that took its messages.
+[[nodiscard]] std::string howEnded(const std::string& who, int status,
+                                   const std::filesystem::path& log);
+/// The last line of a file that is not empty, among its last 4 KiB.
+[[nodiscard]] std::string lastLine(const std::filesystem::path& file);
 /// Ends the process by the signal, as if it had never been taken.
 [[noreturn]] void dieBy(int signal);

@@ -1,0 +1,239 @@
+#include "sweep.h"
+
+#include <fstream>
+#include <iomanip>
+#include <iostream>
+#include <map>
+#include <set>
+#include <sstream>
+#include <sys/types.h>
+#include <system_error>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// MiniSat prints no model: it writes one to the file that is its second argument.
+bool isMinisat(const std::string& solver) {
+    std::istringstream words(solver);
+    for (std::string word; words >> word;) {
+        if (fs::path(word).filename().string().starts_with("minisat")) return true;
+    }
+    return false;
+}
+
+/// The run of one length.
+struct Length {
+    enum class Stage { translation, solver, path };
+
+    long k;
+    Stage stage;
+    int solverStatus;
+    std::chrono::steady_clock::time_point begin;
+};
+
+class Sweep {
+public:
+    Sweep(const Task& task, Children& children, const fs::path& directory)
+        : task(task), children(children), directory(directory), next(task.from), last(task.to),
+          unreported(task.from) {}
+
+    [[nodiscard]] Result run();
+
+private:
+    [[nodiscard]] std::string name(long k, const char* suffix) const {
+        return task.network + "k" + std::to_string(k) + suffix;
+    }
+    [[nodiscard]] fs::path file(long k, const char* suffix) const {
+        return directory / name(k, suffix);
+    }
+    void startStage(const Length& length);
+    [[nodiscard]] Launch launch(const Length& length) const;
+    void endStage(Length length, int status);
+    void settle(const Length& length, Verdict verdict, const std::string& text);
+    [[nodiscard]] std::string putAway(long k) const;
+    void report();
+
+    const Task& task;
+    Children& children;
+    const fs::path& directory;
+    std::map<pid_t, Length> running;
+    std::map<long, Result> results; // of the lengths from unreported on
+    long next;
+    long last;
+    long unreported;
+};
+
+Result Sweep::run() {
+    while (next <= last || !running.empty()) {
+        if (next <= last && running.size() < task.jobs) {
+            startStage({next++, Length::Stage::translation, 0, std::chrono::steady_clock::now()});
+            continue;
+        }
+        const Event event = children.wait();
+        if (event.signal != 0) {
+            std::set<pid_t> all;
+            for (const auto& [child, length] : running) all.insert(child);
+            children.end(all);
+            return {Verdict::none, {}, "", event.signal};
+        }
+        const Length length = running.at(event.child);
+        running.erase(event.child);
+        endStage(length, event.status);
+        report();
+    }
+    if (results.contains(last)) return results.at(last);
+    return {Verdict::none,
+            {},
+            "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
+                std::to_string(last) + " steps; this says nothing of longer ones",
+            0};
+}
+
+Launch Sweep::launch(const Length& length) const {
+    const long k = length.k;
+    switch (length.stage) {
+    case Length::Stage::translation:
+        return {{task.tervoxal, task.network, task.formula, std::to_string(k)},
+                directory,
+                "/dev/null",
+                file(k, ".progress")};
+    case Length::Stage::solver: {
+        // It runs where the user is, so that the command may name files there.
+        Launch solver{{"/bin/sh", "-c", "exec " + task.solver + " \"$@\"", "sh", file(k, ".cnf")},
+                      "",
+                      file(k, ".answer"),
+                      file(k, ".log")};
+        if (isMinisat(task.solver)) {
+            solver.words.push_back(solver.out);
+            solver.out = "/dev/null";
+        }
+        return solver;
+    }
+    case Length::Stage::path: break;
+    }
+    return {{task.tervoxalPath, "--format=" + task.format, "--", task.network, task.formula,
+             std::to_string(k), name(k, ".answer")},
+            directory,
+            file(k, ".path"),
+            file(k, ".refusal")};
+}
+
+void Sweep::startStage(const Length& length) {
+    const Launch child = launch(length);
+    if (const pid_t pid = children.start(child); pid != 0) {
+        running.emplace(pid, length);
+    } else {
+        settle(length, Verdict::refused, notStarted(child));
+    }
+}
+
+void Sweep::endStage(Length length, int status) {
+    const long k = length.k;
+    const auto noVerdict = [&](const std::string& why) {
+        settle(length, Verdict::refused, "k = " + std::to_string(k) + ": " + why);
+    };
+
+    switch (length.stage) {
+    case Length::Stage::translation:
+        if (const std::string line = lastLine(file(k, ".progress")); status == 1 && !line.empty()) {
+            settle(length, Verdict::refused, line);
+        } else if (status != 0) {
+            noVerdict(howEnded("tervoxal", status, file(k, ".progress")));
+        } else if (!fs::exists(file(k, ".cnf")) || !fs::exists(file(k, ".lck"))) {
+            noVerdict("the clauses cannot be written in " + directory.parent_path().string());
+        } else {
+            length.stage = Length::Stage::solver;
+            startStage(length);
+        }
+        return;
+    case Length::Stage::solver:
+        if (status != 0 && status != 10 && status != 20) {
+            noVerdict(howEnded("the solver", status, file(k, ".log")));
+        } else {
+            length.solverStatus = status;
+            length.stage = Length::Stage::path;
+            startStage(length);
+        }
+        return;
+    case Length::Stage::path: break;
+    }
+    if (status == 0) {
+        noVerdict("the solver gives no answer");
+    } else if (status == 1) {
+        noVerdict("the solver's answer is refused: " + lastLine(file(k, ".refusal")));
+    } else if (status != 10 && status != 20) {
+        noVerdict(howEnded("tervoxal-path", status, file(k, ".refusal")));
+    } else if (length.solverStatus != 0 && length.solverStatus != status) {
+        noVerdict("the solver ended with status " + std::to_string(length.solverStatus) +
+                  ", but its output says otherwise");
+    } else if (status == 20) {
+        settle(length, Verdict::none, "");
+    } else {
+        std::ostringstream path;
+        path << std::ifstream(file(k, ".path"), std::ios::binary).rdbuf();
+        settle(length, Verdict::path, path.str());
+    }
+}
+
+void Sweep::settle(const Length& length, Verdict verdict, const std::string& text) {
+    Result& result = results[length.k];
+    result = {verdict, std::chrono::steady_clock::now() - length.begin, text, 0};
+    if (const std::string problem = putAway(length.k); !problem.empty()) {
+        result.verdict = Verdict::refused;
+        result.text = problem;
+    }
+    if (result.verdict == Verdict::none) return;
+    last = length.k;
+    std::set<pid_t> cancelled;
+    for (const auto& [child, other] : running) {
+        if (other.k > last) cancelled.insert(child);
+    }
+    children.end(cancelled);
+    for (const pid_t child : cancelled) running.erase(child);
+}
+
+/// Keeps or removes the files of a length. Gives what went wrong, or an empty text.
+std::string Sweep::putAway(long k) const {
+    for (const char* suffix : {".cnf", ".lck", ".answer", ".log"}) {
+        if (task.keep.empty() || !fs::exists(file(k, suffix))) continue;
+        std::error_code problem;
+        fs::rename(file(k, suffix), task.keep / name(k, suffix), problem);
+        if (problem) {
+            return "cannot keep " + (task.keep / name(k, suffix)).string() + ": " +
+                   problem.message();
+        }
+    }
+    for (const char* suffix :
+         {".cnf", ".lck", ".answer", ".log", ".progress", ".path", ".refusal"}) {
+        std::error_code ignored;
+        fs::remove(file(k, suffix), ignored);
+    }
+    return "";
+}
+
+/// Tells of the lengths below which none is open.
+void Sweep::report() {
+    for (; results.contains(unreported) && unreported <= last; ++unreported) {
+        const Result& result = results.at(unreported);
+        if (result.verdict == Verdict::refused) return;
+        const char* const verdict =
+            result.verdict == Verdict::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
+        std::cerr << "k = " + std::to_string(unreported) + ": " + verdict + shown(result.time) +
+                         '\n';
+        if (result.verdict == Verdict::path) return;
+        results.erase(unreported);
+    }
+}
+
+} // namespace
+
+Result sweep(const Task& task, Children& children, const fs::path& directory) {
+    return Sweep(task, children, directory).run();
+}
+
+std::string shown(std::chrono::duration<double> time) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << time.count() << " s";
+    return text.str();
+}
