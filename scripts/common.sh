@@ -6,7 +6,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # install COMMAND-OR-FILE=PACKAGE...: installs the Debian package of each command that is not on the
 # path, or of each file that is not there.
 install() {
-    local missing=() pair
+    local missing=() pair tool
     for pair in "$@"; do
         case ${pair%%=*} in
         /*) [ -e "${pair%%=*}" ] || missing+=("${pair#*=}") ;;
@@ -16,6 +16,11 @@ install() {
     [ ${#missing[@]} -gt 0 ] || return 0
     local sudo=()
     [ "$(id -u)" -eq 0 ] || sudo=(sudo)
+    for tool in "${sudo[@]}" apt-get; do
+        command -v "$tool" >/dev/null && continue
+        echo "$tool is missing: as root, install the packages ${missing[*]}" >&2
+        exit 1
+    done
     echo "installing ${missing[*]}" >&2
     {
         "${sudo[@]}" apt-get update
@@ -24,8 +29,20 @@ install() {
     } >&2
 }
 
-# procps has the command free, which a run calls.
-install_toolchain() { install g++=g++ cmake=cmake ninja=ninja-build free=procps; }
+# What the builds and runs need (procps has the command free, which a run calls), what the import of
+# nets needs, and what the tests need with it.
+toolchain=(g++=g++ cmake=cmake ninja=ninja-build free=procps)
+for_import=(/usr/include/expat.h=libexpat1-dev)
+for_tests=("${for_import[@]}" /usr/include/gtest/gtest.h=libgtest-dev minisat=minisat cadical=cadical)
+install_toolchain() { install "${toolchain[@]}"; }
+
+# clang++ and its fuzzer, which has a package of its own that goes by the version of clang++.
+install_fuzzer() {
+    install clang++=clang
+    local runtime
+    runtime=$(clang++ -print-file-name="libclang_rt.fuzzer-$(uname -m).a")
+    install "$runtime=libclang-rt-$(clang++ -dumpversion | cut -d. -f1)-dev"
+}
 
 # build PRESET [TARGET...]: configures and builds, all targets if none is named.
 build() {
