@@ -86,7 +86,8 @@ Result Sweep::run() {
     return {Verdict::none,
             {},
             "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
-                std::to_string(last) + " steps; this says nothing of longer ones",
+                std::to_string(last) + (last == 1 ? " step" : " steps") +
+                "; this says nothing of longer ones",
             0};
 }
 
