@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # bash completion of tervoxal and its companions: options as --help tells them, networks and formulas
 # by their names without ".in".
 
