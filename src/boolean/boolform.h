@@ -98,10 +98,8 @@ public:
     /// clause that asserts it, and for each composed node reached the clauses that define the
     /// node's number. A constant empties cs first; false leaves the empty clause, true none.
     void toCNF(std::set<Clause>& cs) const;
-    /// The clauses that toCNF adds to an empty set, in the order of the set. Linear in the number
-    /// of nodes that are not above this one, but for the sorting of clauses that share their first
-    /// literal.
-    [[nodiscard]] std::vector<Clause> clauses() const;
+    /// The clauses that toCNF adds to an empty set, in the order of the set.
+    [[nodiscard]] ClauseRange clauses() const;
 
     /// x holds.
     void addVar(std::set<Clause>& cs, int x) const;
@@ -113,6 +111,7 @@ public:
     void addEqu(std::set<Clause>& cs, int x, int y, int z) const;
 
     static constexpr int maxVariable = 1000000;
+    static constexpr int maxNodes = std::numeric_limits<int>::max() - maxVariable;
     static constexpr int trueNr = std::numeric_limits<int>::min();
 
     int nr;

@@ -4,43 +4,80 @@
 #include "outputfile.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
+#include <limits>
 #include <string_view>
 #include <vector>
 
-int fileNr(int literal, int shift) {
-    if (literal > BoolForm::maxVariable) return literal - shift;
-    if (literal < -BoolForm::maxVariable) return literal + shift;
-    return literal;
-}
-
 namespace {
 
-/// Formats numbers and words into one large block and hands full blocks to the file.
-class BlockWriter {
+/// The number of a variable or node in a file whose largest variable is shift below maxVariable.
+int fileNr(int nr, int shift) { return BoolForm::isNode(nr) ? nr - shift : nr; }
+
+/// The four digits of each number below 10000, with zeros in front, the first in the lowest byte.
+constexpr auto fourDigits = [] {
+    std::array<std::uint32_t, 10000> t{};
+    for (std::uint32_t n = 0; n < 10000; ++n) {
+        t[n] =
+            0x30303030U | n / 1000 | (n / 100 % 10) << 8U | (n / 10 % 10) << 16U | (n % 10) << 24U;
+    }
+    return t;
+}();
+
+/// Writes n, at least 1, in decimal at the place and returns the end. May overwrite ten characters.
+/// Eight digits at once, without those in front: a twentieth less time for the whole run than
+/// std::to_chars, and a little less than by arithmetic without a table.
+char* putNumber(char* at, unsigned n) {
+    if constexpr (std::endian::native == std::endian::little) {
+        if (n < 100000000) {
+            const std::uint64_t digits =
+                fourDigits[n / 10000] | std::uint64_t(fourDigits[n % 10000]) << 32U;
+            const int zeros = std::countr_zero(digits & 0x0F0F0F0F0F0F0F0FU) & ~7; // in front
+            const std::uint64_t rest = digits >> static_cast<unsigned>(zeros);
+            std::memcpy(at, &rest, sizeof rest);
+            return at + (64 - zeros) / 8;
+        }
+    }
+    return std::to_chars(at, at + 10, n).ptr;
+}
+
+/// Formats the lines of a file into one large block and hands full blocks to the file.
+class LineWriter {
 public:
-    explicit BlockWriter(const std::string& file) : out(file), block(blockSize) {}
-    void text(const char* word) {
-        while (*word != 0) put(*word++);
+    LineWriter(const std::string& file, int shift) : out(file), block(blockSize), shift(shift) {}
+
+    void heading(int variables, std::size_t clauses) {
+        out.write("p cnf " + std::to_string(fileNr(variables, shift)) + ' ' +
+                  std::to_string(clauses) + '\n');
     }
-    void put(char c) { block[used++] = c; }
-    template <class Number>
-    void number(Number n) {
-        char* const begin = block.data() + used;
-        used += static_cast<std::size_t>(std::to_chars(begin, begin + lineSize, n).ptr - begin);
-    }
-    void endLine() {
-        put('\n');
+    void line(const Clause& c) {
+        char* at = block.data() + used;
+        if (c.l1 != 0) at = put(at, c.l1);
+        if (c.l2 != 0) at = put(at, c.l2);
+        if (c.l3 != 0) at = put(at, c.l3);
+        *at++ = '0';
+        *at++ = '\n';
+        used = static_cast<std::size_t>(at - block.data());
         if (used > blockSize - lineSize) flush();
     }
-
     void close() {
         flush();
         out.close();
     }
 
 private:
+    [[nodiscard]] char* put(char* at, int literal) const {
+        *at = '-';
+        at = putNumber(at + (literal < 0 ? 1 : 0),
+                       static_cast<unsigned>(fileNr(std::abs(literal), shift)));
+        *at = ' ';
+        return at + 1;
+    }
     void flush() {
         out.write(std::string_view(block.data(), used));
         used = 0;
@@ -51,65 +88,46 @@ private:
     OutputFile out;
     std::vector<char> block;
     std::size_t used = 0;
+    int shift;
 };
 
-/// The largest absolute value of any literal and of any variable, 0 where there is none.
-struct Largest {
-    int literal = 0;
-    int variable = 0;
-};
-
+/// Writes clauses of which top is the largest literal and shift the distance of the largest
+/// variable from maxVariable.
 template <class Clauses>
-Largest largest(const Clauses& cs) {
-    Largest r;
+void write(const Clauses& cs, const std::string& file, int top, int shift) {
+    LineWriter out(file, shift);
+    out.heading(top, cs.size());
+    for (const Clause& c : cs) out.line(c);
+    out.close();
+}
+
+/// The largest absolute value below the limit of any literal, 0 if there is none.
+int largestBelow(const std::set<Clause>& cs, unsigned limit) {
+    int r = 0;
     for (const Clause& c : cs) {
         for (const int literal : {c.l1, c.l2, c.l3}) {
             const int n = std::abs(literal);
-            r.literal = std::max(r.literal, n);
-            r.variable = std::max(r.variable, n < BoolForm::maxVariable ? n : 0);
+            if (static_cast<unsigned>(n) < limit) r = std::max(r, n);
         }
     }
     return r;
 }
 
-template <class Clauses>
-void write(const Clauses& cs, const std::string& file, int top, int shift) {
-    BlockWriter out(file);
-    out.text("p cnf ");
-    out.number(fileNr(top, shift));
-    out.put(' ');
-    out.number(cs.size());
-    out.endLine();
-    for (const Clause& c : cs) {
-        for (const int literal : {c.l1, c.l2, c.l3}) {
-            if (literal == 0) continue;
-            out.number(fileNr(literal, shift));
-            out.put(' ');
-        }
-        out.put('0');
-        out.endLine();
-    }
-    out.close();
-}
-
-template <class Clauses>
-void writeRenumbered(const Clauses& cs, const std::string& file) {
-    const Largest top = largest(cs);
-    write(cs, file, top.literal, BoolForm::maxVariable - top.variable);
-}
-
 } // namespace
 
-int maxCNFVarNr(const std::set<Clause>& cs) { return largest(cs).literal; }
-int maxCNFVarNr(const std::vector<Clause>& cs) { return largest(cs).literal; }
-int maxCNFOrgVarNr(const std::set<Clause>& cs) { return largest(cs).variable; }
-int maxCNFOrgVarNr(const std::vector<Clause>& cs) { return largest(cs).variable; }
+int maxCNFVarNr(const std::set<Clause>& cs) {
+    return largestBelow(cs, std::numeric_limits<unsigned>::max());
+}
+
+int maxCNFOrgVarNr(const std::set<Clause>& cs) { return largestBelow(cs, BoolForm::maxVariable); }
 
 void showCNF(const std::set<Clause>& cs, std::string name) {
-    writeRenumbered(cs, name.append(".cnf"));
+    const int shift = BoolForm::maxVariable - maxCNFOrgVarNr(cs);
+    write(cs, name.append(".cnf"), maxCNFVarNr(cs), shift);
 }
-void showCNF(const std::vector<Clause>& cs, std::string name) {
-    writeRenumbered(cs, name.append(".cnf"));
+
+void showCNF(const ClauseRange& cs, std::string name) {
+    write(cs, name.append(".cnf"), cs.maxNr(), BoolForm::maxVariable - cs.maxVariable());
 }
 
 void showCNF(const std::set<Clause>& cs) { write(cs, "test.cnf", maxCNFVarNr(cs), 0); }
@@ -121,8 +139,9 @@ int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& 
         std::vector<int>& literals = v.emplace_back();
         for (const int literal : {c.l1, c.l2, c.l3}) {
             if (literal == 0) continue;
-            literals.push_back(fileNr(literal, shift));
-            largest = std::max(largest, std::abs(literals.back()));
+            const int nr = fileNr(std::abs(literal), shift);
+            literals.push_back(literal < 0 ? -nr : nr);
+            largest = std::max(largest, nr);
         }
     }
     return largest;

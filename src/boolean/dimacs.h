@@ -12,20 +12,13 @@
 #include <string>
 #include <vector>
 
-/// The number of a literal in a file whose largest variable is shift below 1000000.
-[[nodiscard]] int fileNr(int literal, int shift);
-
-// The clauses are a std::set, or a sorted std::vector without repeats.
-
 /// The largest absolute value of any literal, 0 if there is none.
 [[nodiscard]] int maxCNFVarNr(const std::set<Clause>& cs);
-[[nodiscard]] int maxCNFVarNr(const std::vector<Clause>& cs);
 /// The largest variable below 1000000 that occurs, 0 if there is none.
 [[nodiscard]] int maxCNFOrgVarNr(const std::set<Clause>& cs);
-[[nodiscard]] int maxCNFOrgVarNr(const std::vector<Clause>& cs);
 /// Writes cs to name + ".cnf", renumbered. A file that cannot be written is not reported.
 void showCNF(const std::set<Clause>& cs, std::string name);
-void showCNF(const std::vector<Clause>& cs, std::string name);
+void showCNF(const ClauseRange& cs, std::string name);
 /// Writes cs to "test.cnf" in the current directory with the numbers of the store.
 void showCNF(const std::set<Clause>& cs);
 /// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute

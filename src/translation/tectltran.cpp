@@ -170,14 +170,13 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cout << nodes() << '\n';
 
     std::cerr << "Creating clauses ...";
-    std::vector<Clause> clauses = f.clauses();
+    const ClauseRange clauses = f.clauses();
     std::cerr << clauses.size() << '\n';
 
     std::cerr << "Writing down clauses ";
     removeOutput(name + ".lck"); // never beside a clause file that it does not go with
     showCNF(clauses, name);
-    model.showLCK(k, maxCNFOrgVarNr(clauses), name);
-    clauses.clear();
+    model.showLCK(k, clauses.maxVariable(), name);
     std::cerr << '\n';
 
     std::cerr.precision(4);

@@ -37,6 +37,20 @@ BoolForm expression(const std::string& text) {
     return stack.back();
 }
 
+/// The clauses of a composed formula by their definition alone.
+std::set<Clause> plainClauses(const BoolForm& f) {
+    std::set<Clause> cs;
+    std::set<int> open = {std::abs(f.nr)};
+    f.addVar(cs, f.nr);
+    for (int n = *open.rbegin(); BoolForm::isNode(n); n = *open.rbegin()) {
+        const Triple& t = BoolForm::triple(n);
+        t.op == bfCon ? f.addCon(cs, t.left, t.right, n) : f.addEqu(cs, t.left, t.right, n);
+        open.erase(n);
+        open.insert({std::abs(t.left), std::abs(t.right)});
+    }
+    return cs;
+}
+
 TEST(Store, createsFoldsAndSubstitutes) {
     checkTable("expressions.tsv", [](auto& text) { return storeText(expression(text)); });
     for (const BoolForm& f : {BoolForm(true), BoolForm(1), expression("1 2 con")})
@@ -65,6 +79,18 @@ TEST(Store, keepsItsInvariantsThroughRandomFormulas) {
         EXPECT_EQ(BoolForm::mti.at(tv[i]), 1000001 + static_cast<int>(i));
         EXPECT_LT(tv[i].left, tv[i].right);
         EXPECT_TRUE(tv[i].op == bfCon || tv[i].left > 0);
+    }
+    // Most nodes, or few among many: the same clauses by every road.
+    for (std::size_t i = formulas.size() - 1; i > 100; i = i * 3 / 4) {
+        for (const BoolForm& f : {formulas[i], con(formulas[i % 7], neg(BoolForm(500000)))}) {
+            const ClauseRange range = f.clauses();
+            std::set<Clause> cs;
+            f.toCNF(cs);
+            EXPECT_EQ(cs, plainClauses(f));
+            EXPECT_EQ(range.size(), cs.size());
+            EXPECT_EQ(range.maxNr(), maxCNFVarNr(cs));
+            EXPECT_EQ(range.maxVariable(), maxCNFOrgVarNr(cs));
+        }
     }
 }
 
