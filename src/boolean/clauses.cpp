@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <set>
 #include <utility>
 
@@ -129,7 +128,7 @@ ClauseRange::Walk::Walk(const ClauseRange& range)
         makeAllReady();
     } else if (range.count > 0) {
         lists.resize(2 * static_cast<std::size_t>(places) + 1);
-        links = std::make_unique_for_overwrite<std::uint32_t[]>(2 * range.reached.size());
+        links.resize(2 * range.reached.size());
         sign = -2;
         makeReady();
     }

@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
-#include <memory>
 #include <vector>
 
 class BoolForm;
@@ -100,7 +99,7 @@ public:
         return *this;
     }
     void operator++(int) { ++*this; }
-    friend bool operator==(const Walk& walk, std::default_sentinel_t) {
+    friend bool operator==(const Walk& walk, std::default_sentinel_t /*end*/) {
         return walk.next == walk.readyEnd;
     }
 
@@ -118,10 +117,10 @@ private:
     std::vector<Clause> ready;
     const Clause* next = nullptr;
     const Clause* readyEnd = nullptr;
-    int sign = 1;                           // of the first literals in the section
-    int places;                             // the variables, then the nodes, from 1 on
-    int place = 1;                          // of the next list, with the sign of its literal
-    int lastPlace = 0;                      // of the section
-    std::vector<std::uint32_t> lists;       // the first link of each, 0 for none
-    std::unique_ptr<std::uint32_t[]> links; // of entry i, which is link i + 1, the next link
+    int sign = 1;                     // of the first literals in the section
+    int places;                       // the variables, then the nodes, from 1 on
+    int place = 1;                    // of the next list, with the sign of its literal
+    int lastPlace = 0;                // of the section
+    std::vector<std::uint32_t> lists; // the first link of each, 0 for none
+    std::vector<std::uint32_t> links; // of entry i, which is link i + 1, the next link
 };

@@ -1,11 +1,11 @@
 #include "outputfile.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
-#include <iterator>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -41,7 +41,7 @@ void empty(const std::string& file) {
     fs::resize_file(file, 0, ignored);
 }
 
-constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU};
+constexpr std::array endingSignals = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGXCPU};
 
 /// Those that would end the process now: others are ignored or have a handler.
 sigset_t endingNow() {
@@ -58,7 +58,7 @@ sigset_t endingNow() {
 bool anyPending(const sigset_t& signals) {
     sigset_t pending;
     sigpending(&pending);
-    return std::any_of(std::begin(endingSignals), std::end(endingSignals), [&](int signal) {
+    return std::any_of(endingSignals.begin(), endingSignals.end(), [&](int signal) {
         return sigismember(&signals, signal) == 1 && sigismember(&pending, signal) == 1;
     });
 }
