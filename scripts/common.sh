@@ -31,9 +31,11 @@ install() {
 
 # What the builds and runs need (procps has the command free, which a run calls), what the import of
 # nets needs, and what the tests need with it.
-toolchain=(g++=g++ cmake=cmake ninja=ninja-build free=procps)
-for_import=(/usr/include/expat.h=libexpat1-dev)
-for_tests=("${for_import[@]}" /usr/include/gtest/gtest.h=libgtest-dev minisat=minisat cadical=cadical)
+# shellcheck disable=SC2034 # not each script uses each
+toolchain=('g++=g++' 'cmake=cmake' 'ninja=ninja-build' 'free=procps')
+for_import=('/usr/include/expat.h=libexpat1-dev')
+# shellcheck disable=SC2034
+for_tests=("${for_import[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
 install_toolchain() { install "${toolchain[@]}"; }
 
 # clang++ and its fuzzer, which has a package of its own that goes by the version of clang++.
