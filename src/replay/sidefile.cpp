@@ -34,7 +34,7 @@ public:
     }
     [[noreturn]] void malformed() const { error(name + ": not a side file, or cut off"); }
     [[noreturn]] void otherThan(const std::string& what, long found, long wanted) const {
-        error(name + ": is of another run: " + what + ' ' + std::to_string(found) +
+        error(name + ": is of another run; " + what + ": " + std::to_string(found) +
               " in place of " + std::to_string(wanted));
     }
 

@@ -1,87 +1,92 @@
-// Random networks and formulas: what SAT solvers say about the clause file has to agree with an
-// explicit search of the network's states, and what they find has to be a run of the network.
+// Random networks and formulas: what SAT solvers say about the clause file has to agree with a
+// search of the network's states, and tervoxal-path has to show what they find, as far as it is a
+// run of the network that meets the formula.
 
 #include "network.h"
+#include "property.h"
 #include "support.h"
+#include "transitions.h"
 
-#include <algorithm>
+#include <cctype>
 #include <iterator>
 #include <set>
 
 namespace {
 
-/// One action, all its automata together, every other automaton stays.
-std::set<State> successors(const NetTimedModel& model, const State& state) {
-    std::set<State> all;
-    for (const auto& [action, automata] : model.actionAutomata) {
-        std::vector<State> next = {state};
-        for (const uint a : automata) {
-            std::vector<State> moved;
-            for (const auto& [source, target] : model.actionEdges.at({a, action})) {
-                if (source != state[a]) continue;
-                for (State& s : next) {
-                    s[a] = target;
-                    moved.push_back(s);
-                }
-            }
-            next.swap(moved);
-        }
-        all.insert(next.begin(), next.end());
-    }
-    return all;
-}
-
-/// Whether the model's formula holds in the state. A temporal operator makes it false as a whole.
-bool holds(const NetTimedModel& model, const State& state) {
-    std::vector<bool> values;
-    for (const auto& [op, prop] : model.form->onp) {
-        if (op > OpDis) return false;
-        if (op > OpNegVar) {
-            const bool right = values.back();
-            values.pop_back();
-            values.back() = op == OpCon ? values.back() && right : values.back() || right;
-            continue;
-        }
-        bool on = op == OpTrue;
-        for (uint a = 1; a < state.size(); ++a)
-            on = on || model.valuation.contains({{a, state[a]}, static_cast<uint>(prop)});
-        values.push_back(on != (op == OpNegVar));
-    }
-    return values.back();
-}
-
 /// Whether some run of exactly k steps from the initial state meets the formula.
-bool search(const NetTimedModel& model, std::size_t k) {
-    const State initial(model.nrOfBits.size());
+bool search(const Transitions& transitions, std::size_t k) {
+    const NetTimedModel& model = transitions.model;
+    const State initial = initialState(model);
     std::set<std::pair<bool, State>> layer = {{holds(model, initial), initial}};
     for (; k > 0; --k) {
         std::set<std::pair<bool, State>> next;
         for (const auto& [met, state] : layer) {
-            for (const State& s : successors(model, state)) next.emplace(met || holds(model, s), s);
+            for (const State& s : transitions.successors(state))
+                next.emplace(met || holds(model, s), s);
         }
         layer.swap(next);
     }
     return !layer.empty() && layer.rbegin()->first;
 }
 
-/// The run that a solver found, read with nothing but the side file.
-std::vector<State> decoded(const std::string& sideFile, std::string solution) {
-    std::istringstream numbers(sideFile);
-    const std::vector<uint> layout{std::istream_iterator<uint>(numbers), {}};
-    const uint automata = layout.at(0);
-    std::ranges::replace(solution, '\n', ' ');
-    std::vector<State> run(layout.at(automata + 1) + 1, State(automata + 1));
+/// The variables that a model makes true.
+std::set<uint> trueVariables(const std::string& solution) {
+    std::istringstream words(solution);
+    std::set<uint> variables;
+    for (std::string word; words >> word;) {
+        if (std::isdigit(word.front()) != 0) variables.insert(static_cast<uint>(std::stoul(word)));
+    }
+    variables.erase(0); // ends the literals
+    return variables;
+}
+
+/// The states that the variables tell, read with nothing but the side file.
+std::vector<State> decoded(const std::vector<uint>& sideFile, const std::set<uint>& variables) {
+    const uint automata = sideFile.at(0);
+    std::vector<State> path(sideFile.at(automata + 1) + 1, State(automata + 1));
     uint variable = 0;
-    for (State& state : run) {
+    for (State& state : path) {
         for (uint a = 1; a <= automata; ++a) {
-            for (uint i = 0; i < layout.at(a); ++i) {
-                const std::string literal = ' ' + std::to_string(++variable) + ' ';
-                if (solution.find(literal) != std::string::npos) state[a] |= 1U << i;
+            for (uint i = 0; i < sideFile.at(a); ++i) {
+                if (variables.contains(++variable)) state[a] |= 1U << i;
             }
         }
     }
-    EXPECT_EQ(layout.at(automata + 2), variable) << "a step leaves bits of its states open";
-    return run;
+    EXPECT_EQ(sideFile.at(automata + 2), variable) << "a step leaves bits of its states open";
+    return path;
+}
+
+std::string list(const auto& numbers) {
+    std::string text;
+    for (const auto number : numbers) text += (text.empty() ? "" : ",") + std::to_string(number);
+    return '[' + text + ']';
+}
+
+/// The positions as tervoxal-path shows them, empty if the path is no run that meets the formula.
+/// Each action is compared with each automaton.
+std::string shown(const NetTimedModel& model, const std::vector<State>& path) {
+    bool met = false;
+    std::string text = "\"positions\":[";
+    for (std::size_t p = 0; p < path.size(); ++p) {
+        const State& to = path[p];
+        std::vector<uint> actions;
+        for (const auto& [action, automata] : model.actionAutomata) {
+            bool leads = p > 0;
+            for (uint a = 1; leads && a < to.size(); ++a) {
+                const NetTimedModel::Move move(path[p - 1][a], to[a]);
+                leads = automata.contains(a) ? model.actionEdges.at({a, action}).contains(move)
+                                             : move.first == move.second;
+            }
+            if (leads) actions.push_back(action);
+        }
+        if (p == 0 ? to != initialState(model) : actions.empty()) return "";
+        met = met || holds(model, to);
+        text += (p == 0 ? "\n{\"position\":" : ",\n{\"position\":") + std::to_string(p) +
+                (p == 0 ? "" : ",\"actions\":" + list(actions)) +
+                ",\"locations\":" + list(State(to.begin() + 1, to.end())) +
+                (holds(model, to) ? ",\"holds\":true}" : ",\"holds\":false}");
+    }
+    return met ? text + "]}\n" : "";
 }
 
 } // namespace
@@ -97,33 +102,44 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         scratch.write("net.in", network);
         NetTimedModel model;
         read(model, scratch.path / "net");
-        const State initial(model.nrOfBits.size());
-        State state = initial; // the formula is about one that some run may meet
+        const Transitions transitions(model);
+        State state = initialState(model); // the formula is about one that some run may meet
         for (auto i = random() % 6; i > 0; --i) {
-            const std::set<State> next = successors(model, state);
+            const std::set<State> next = transitions.successors(state);
             if (!next.empty()) state = random() % 2 == 0 ? *next.begin() : *next.rbegin();
         }
         const std::string formula = randomFormula(random, state);
         scratch.write("form.in", formula);
         model.readFormula(scratch.path / "form");
         const std::size_t k = 1 + random() % 6;
-        const std::string base = "netk" + std::to_string(k);
-        SCOPED_TRACE("seed " + std::to_string(seed) + ", " + base + ", " + formula + '\n' +
-                     network);
-        ASSERT_EQ(scratch.run("\"$T\" net form " + std::to_string(k)), 0);
-        const bool reachable = search(model, k);
+        const std::string arguments = " net form " + std::to_string(k);
+        const std::string showPath = "$D/tervoxal-path --format=json" + arguments + " model";
+        SCOPED_TRACE("seed " + std::to_string(seed) + arguments + ' ' + formula + '\n' + network);
+        ASSERT_EQ(scratch.run("$T" + arguments), 0);
+        const bool reachable = search(transitions, k);
         satisfiable += reachable ? 1 : 0;
         // One solver prefers true variables, the other one false ones.
         for (const char* solve :
              {"cadical -q --strict netk*.cnf >model", "minisat netk*.cnf model"}) {
             ASSERT_EQ(scratch.run(solve), reachable ? 10 : 20) << solve;
+            ASSERT_EQ(scratch.run(showPath), reachable ? 10 : 20) << scratch.read("stderr");
             if (!reachable) continue;
-            const auto run = decoded(scratch.read(base + ".lck"), scratch.read("model"));
-            ASSERT_EQ(run.size(), k + 1);
-            ASSERT_EQ(run[0], initial);
-            for (std::size_t i = 1; i <= k; ++i)
-                ASSERT_TRUE(successors(model, run[i - 1]).contains(run[i])) << "step " << i;
-            EXPECT_TRUE(std::ranges::any_of(run, [&](auto& s) { return holds(model, s); }));
+            std::set<uint> variables = trueVariables(scratch.read("model"));
+            std::istringstream numbers(scratch.read("netk" + std::to_string(k) + ".lck"));
+            const std::vector<uint> sideFile{std::istream_iterator<uint>(numbers), {}};
+            std::string positions = shown(model, decoded(sideFile, variables));
+            EXPECT_TRUE(positions != "" && scratch.read("stdout").ends_with(positions));
+
+            // A flipped variable is refused, unless what is left is such a run again.
+            const auto flipped = static_cast<uint>(1 + random() % (sideFile.back() + 1));
+            if (variables.erase(flipped) == 0) variables.insert(flipped);
+            std::ostringstream literals;
+            for (const uint variable : variables) literals << variable << '\n';
+            scratch.write("model", literals.str() + "0");
+            positions = shown(model, decoded(sideFile, variables));
+            EXPECT_EQ(scratch.run(showPath), positions.empty() ? 1 : 10);
+            EXPECT_EQ(scratch.read("stdout").empty(), positions.empty());
+            EXPECT_TRUE(scratch.read("stdout").ends_with(positions));
         }
     }
     EXPECT_NEAR(satisfiable, 0.5 * networks, 0.25 * networks);
