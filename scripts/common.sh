@@ -35,7 +35,8 @@ install() {
 toolchain=('g++=g++' 'cmake=cmake' 'ninja=ninja-build' 'free=procps')
 for_import=('/usr/include/expat.h=libexpat1-dev')
 # shellcheck disable=SC2034
-for_tests=("${for_import[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
+for_tests=("${for_import[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical'
+    'berkeley-abc=berkeley-abc')
 install_toolchain() { install "${toolchain[@]}"; }
 
 # clang++ and its fuzzer, which has a package of its own that goes by the version of clang++.

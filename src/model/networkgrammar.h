@@ -20,9 +20,10 @@
 // the process, is taken on as far as the rest can be understood:
 //
 //     refused(message)             a fault in the current line, or the end of the file ahead of its
-//     time mend()                       the line is not the one due; true if the handler has put
-//     another
-//                                  text in its place, which is then looked at once more
+//                                  time
+//     mend(message)                the line is not the one due, which is that fault; true if the
+//                                  handler has put another text or a later line in its place, which
+//                                  is then looked at once more
 //     disorder(message)            the line still is not the one due
 
 #pragma once
@@ -80,8 +81,8 @@ public:
                 more = location();
             } else if (at("transition")) {
                 more = transition();
-            } else if (!handler.mend()) {
-                handler.disorder("description error");
+            } else if (const char* const fault = "description error"; !handler.mend(fault)) {
+                handler.disorder(fault);
                 if (at("end")) { // closes an automaton without a valuation
                     handler.closed();
                     return true;
@@ -96,7 +97,7 @@ private:
     [[nodiscard]] bool at(std::string_view keyword) const {
         return lines.text.starts_with(keyword);
     }
-    bool atEnd() { return at("end") || (handler.mend() && at("end")); }
+    bool atEnd(const char* fault) { return at("end") || (handler.mend(fault) && at("end")); }
     bool next() {
         if (lines.next()) return true;
         refused("end of file before the closing line");
@@ -127,8 +128,9 @@ private:
         unsigned int l = 0;
         if (requiredNumber(fields, l, "location number")) handler.location(l, fields);
         if (!next()) return false;
-        if (atEnd()) return next();
-        handler.disorder("location error");
+        const char* const fault = "location error";
+        if (atEnd(fault)) return next();
+        handler.disorder(fault);
         return true;
     }
 
@@ -143,7 +145,8 @@ private:
         }
         if (!next()) return false;
         if (lines.text == "end") return next();
-        if (!handler.mend() || lines.text != "end") handler.disorder("transition error");
+        const char* const fault = "transition error";
+        if (!handler.mend(fault) || lines.text != "end") handler.disorder(fault);
         return !at("end") || next();
     }
 
@@ -155,8 +158,9 @@ private:
             if (!next()) return false;
         }
         if (!next()) return false;
-        if (!atEnd()) {
-            handler.disorder("end expected");
+        const char* const fault = "end expected";
+        if (!atEnd(fault)) {
+            handler.disorder(fault);
             held = true; // it may be the title of the next automaton
         }
         handler.closed();

@@ -51,7 +51,7 @@ public:
     void end() {}
 
     [[noreturn]] void refused(const std::string& message) { refused(lines.number, message); }
-    static bool mend() { return false; }
+    static bool mend(const char* /*message*/) { return false; }
     [[noreturn]] static void disorder(const char* message) { error(message); }
 
 private:

@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <iostream>
 #include <string_view>
 #include <utility>
@@ -84,11 +84,6 @@ void forEachToken(const std::string& text, Use&& use) {
     }
 }
 
-[[noreturn]] void refuse(std::size_t position, const std::string& what) {
-    std::cerr << "formula, column " << position + 1 << ": " << what << std::endl;
-    std::exit(1);
-}
-
 std::string quoted(char c) {
     if (c > ' ' && c <= '~') return {'"', c, '"'};
     constexpr std::string_view digits = "0123456789abcdef";
@@ -120,9 +115,17 @@ std::string operStr(EctlOper op) {
     return std::string(textOf(op >= OpTrue && op <= OpNone ? op : OpNone));
 }
 
-EctlForm::EctlForm(const std::string& text) { split(text); }
+EctlForm::EctlForm(const std::string& text) {
+    if (const auto fault = split(text)) {
+        error("formula, column " + std::to_string(fault->column) + ": " + fault->text);
+    }
+}
 
-void EctlForm::split(const std::string& text) {
+EctlForm::EctlForm(const std::string& text, std::optional<FormulaFault>& fault) {
+    fault = split(text);
+}
+
+std::optional<FormulaFault> EctlForm::split(const std::string& text) {
     // The tokens read so far stand in done, and each formula on the stack is a stretch of it that
     // ends where the next one begins: so no text is joined twice.
     std::string done;
@@ -130,19 +133,22 @@ void EctlForm::split(const std::string& text) {
     std::size_t leftBegin = 0;
     std::size_t rightBegin = 0;
     std::size_t rootEnd = 0;
+    std::optional<FormulaFault> fault;
     for (std::size_t position = 0; position < text.size();) {
         const Token token = tokenAt(text, position);
-        if (token.op == OpNone) {
-            if (text[position] != 'E')
-                refuse(position, quoted(text[position]) + " starts no token");
+        if (token.op == OpNone && text[position] == 'E') {
             ++position;
             continue;
         }
-        if (!token.inRange) refuse(position, "proposition number above 2147483647");
         const auto arity = static_cast<std::size_t>(operands(token.op));
-        if (begins.size() < arity) {
-            refuse(position, '"' + std::string(token.text) + "\" finds too few operands");
+        if (token.op == OpNone) {
+            fault = {position + 1, quoted(text[position]) + " starts no token"};
+        } else if (!token.inRange) {
+            fault = {position + 1, "proposition number above 2147483647"};
+        } else if (begins.size() < arity) {
+            fault = {position + 1, '"' + std::string(token.text) + "\" finds too few operands"};
         }
+        if (fault) break;
         op = token.op;
         onp.push_back({token.op, token.varNr});
         rightBegin = done.size();
@@ -156,13 +162,14 @@ void EctlForm::split(const std::string& text) {
         done += arity == 0 ? std::string(token.text) : operStr(token.op);
         position += token.text.size();
     }
-    if (op == OpNone) return;
+    if (op == OpNone) return fault;
     if (operands(op) == 0) {
         left = done.substr(leftBegin);
     } else {
         left = done.substr(leftBegin, rightBegin - leftBegin);
         right = done.substr(rightBegin, rootEnd - rightBegin);
     }
+    return fault;
 }
 
 int EctlForm::getVarNr() const { return isVar(op) ? tokenAt(left, 0).varNr : 0; }
@@ -297,18 +304,22 @@ bool operator==(const EctlForm& a, const EctlForm& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
 }
 
-void refuseWithoutValue(const std::vector<OnpNode>& program) {
+std::string valueFault(const std::vector<OnpNode>& program) {
     std::size_t formulas = 0;
     for (const OnpNode& token : program) {
-        if (token.op > OpDis) return;
+        if (token.op > OpDis) return {};
         if (token.op <= OpNegVar) {
             ++formulas;
         } else {
-            if (formulas < 2) error("formula: an operator finds too few operands");
+            if (formulas < 2) return "formula: an operator finds too few operands";
             --formulas;
         }
     }
-    if (formulas != 1) {
-        error("formula: " + std::to_string(formulas) + " formulas in place of one");
-    }
+    if (formulas == 1) return {};
+    return "formula: " + std::to_string(formulas) + " formulas in place of one";
+}
+
+void refuseWithoutValue(const std::vector<OnpNode>& program) {
+    const std::string fault = valueFault(program);
+    if (!fault.empty()) error(fault);
 }

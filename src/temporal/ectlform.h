@@ -16,6 +16,8 @@
 
 #pragma once
 
+#include <cstddef>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -42,6 +44,12 @@ struct Node {
     Node* right;
 };
 
+/// Why a text is no formula, and the column of that, counted in bytes from 1.
+struct FormulaFault {
+    std::size_t column;
+    std::string text;
+};
+
 /// A formula. Copying it copies all four fields.
 ///
 /// Invariant: onp is the postfix program of getText() wherever the text was one formula. A text
@@ -53,6 +61,9 @@ public:
     /// operator with too few operands and a number above 2147483647 end the process with status 1
     /// and one line on standard error that tells the column, counted from 1.
     explicit EctlForm(const std::string& text);
+    /// Parses likewise, but tells the leftmost fault in place of ending the process. The formula
+    /// then is what stands ahead of it.
+    EctlForm(const std::string& text, std::optional<FormulaFault>& fault);
 
     [[nodiscard]] EctlOper getOp() const { return op; }
     /// The first operand, parsed anew; of a leaf the leaf itself.
@@ -97,7 +108,7 @@ public:
     std::vector<OnpNode> onp;
 
 private:
-    void split(const std::string& text);
+    std::optional<FormulaFault> split(const std::string& text);
 };
 
 /// The disjunction of two formulas.
@@ -105,6 +116,8 @@ private:
 /// The same root and operand texts, character by character.
 [[nodiscard]] bool operator==(const EctlForm& a, const EctlForm& b);
 
-/// Ends the process with status 1 and one line on standard error if the program has no value: it
-/// neither comes to a temporal operator, which makes it false, nor leaves exactly one formula.
+/// Why a postfix program has no value, empty where it has one: a program with a temporal operator
+/// is false, and any other has to leave exactly one formula.
+[[nodiscard]] std::string valueFault(const std::vector<OnpNode>& program);
+/// Ends the process with status 1 and the valueFault on standard error if there is one.
 void refuseWithoutValue(const std::vector<OnpNode>& program);

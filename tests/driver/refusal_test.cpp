@@ -69,6 +69,9 @@ TEST(Refusal, damagedInputIsTakenOrRefusedInOneLine) {
         EXPECT_EQ(lines.find("runtime error"), std::string::npos) << lines;
         for (const char* output : outputs)
             EXPECT_EQ(scratch.read(output) == "old\n", status == 1) << output;
+        ASSERT_LE(scratch.run("timeout 20 \"$D\"/tervoxal-check net form"), 1);
+        const std::string findings = scratch.read("stdout") + scratch.read("stderr");
+        EXPECT_EQ(findings.find(": error: ") != std::string::npos, status == 1) << findings;
     }
     EXPECT_GT(std::ranges::min(outcomes), mutations / 10);
 }

@@ -11,3 +11,5 @@
 [[nodiscard]] std::string readable(std::string_view text);
 /// The beginning of the text, readable, for a message.
 [[nodiscard]] std::string excerpt(std::string_view text);
+/// The same in double quotes.
+[[nodiscard]] std::string inQuotes(std::string_view text);

@@ -57,3 +57,5 @@ std::string excerpt(std::string_view text) {
     constexpr std::size_t most = 40;
     return readable(text.substr(0, most)) + (text.size() > most ? "..." : "");
 }
+
+std::string inQuotes(std::string_view text) { return '"' + excerpt(text) + '"'; }

@@ -1,0 +1,75 @@
+#include "formulacheck.h"
+
+#include "ectlform.h"
+#include "filetext.h"
+#include "lines.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <utility>
+
+namespace {
+
+/// Operators that are dropped or make the formula false. None stands at or behind the column.
+void checkOperators(const std::string& text, std::size_t column, long line, Findings& findings) {
+    bool dropped = false;
+    bool temporal = false;
+    for (std::size_t at = text.find('E'); at < column - 1; at = text.find('E', at + 1)) {
+        const EctlOper op = oper(text.substr(at, 2));
+        bool& told = op == OpNone ? dropped : temporal;
+        if (told) continue;
+        told = true;
+        const std::string place = "column " + std::to_string(at + 1) + ": ";
+        if (op == OpNone) {
+            findings.warn(line, place + "an \"E\" that begins no operator is dropped");
+        } else {
+            findings.warn(line, place + operStr(op) +
+                                    " is not translated, the formula is false as a whole");
+        }
+    }
+}
+
+void checkProps(const EctlForm& form, const std::set<unsigned int>& carried, long line,
+                Findings& findings) {
+    std::set<unsigned int> missing;
+    for (const OnpNode& token : form.onp) {
+        if (token.op != OpVar && token.op != OpNegVar) continue;
+        const auto prop = static_cast<unsigned int>(token.varNr);
+        if (!carried.contains(prop)) missing.insert(prop);
+    }
+    for (const unsigned int prop : missing) {
+        findings.warn(line, "no location carries proposition " + std::to_string(prop) +
+                                ", it is false in every state");
+    }
+}
+
+} // namespace
+
+void checkFormula(const std::string& file, const CheckedNetwork& network, Findings& findings) {
+    std::string text = fileText(file);
+    checkCarriageReturns(text, findings);
+    std::istringstream in(std::move(text));
+    Lines lines(in);
+    if (!lines.next()) {
+        return findings.error(std::max(lines.number, 1L),
+                              "formula: end of file before the formula");
+    }
+    std::optional<FormulaFault> fault;
+    const EctlForm form(lines.text, fault);
+    const long line = lines.number;
+    if (fault) {
+        findings.error(line,
+                       "formula, column " + std::to_string(fault->column) + ": " + fault->text);
+    } else if (const std::string why = valueFault(form.onp); !why.empty()) {
+        findings.error(line, why);
+    }
+    checkOperators(lines.text, fault ? fault->column : lines.text.size() + 1, line, findings);
+    if (network.taken) checkProps(form, network.props, line, findings);
+    if (lines.next()) {
+        findings.warn(lines.number,
+                      "only the first line counts, the formula is line " + std::to_string(line));
+    }
+}

@@ -1,0 +1,51 @@
+#include "keywords.h"
+
+#include "nearest.h"
+#include "readable.h"
+#include "scanner.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace {
+
+constexpr std::array<std::string_view, 4> keywords = {"location", "transition", "valuation", "end"};
+
+bool misspelt(std::string_view word, std::string_view keyword, bool alone) {
+    if (keyword == "end") {
+        return alone && word.size() > 1 && word.size() < 5 && editDistance(word, keyword, 1) <= 1;
+    }
+    constexpr std::size_t shortest = 3;
+    constexpr int most = 2;
+    return (word.size() >= shortest && keyword.starts_with(word)) ||
+           editDistance(word, keyword, most) <= most;
+}
+
+} // namespace
+
+KeywordLine keywordLine(std::string_view line) {
+    const std::string_view text = trimmed(line);
+    const auto length =
+        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isBlank) - text.begin());
+    const std::string_view word = text.substr(0, length);
+    const bool indented = !line.empty() && isBlank(line.front());
+    for (const std::string_view keyword : keywords) {
+        const std::string slip = indented ? inQuotes(keyword) + " is indented" : "";
+        if (text.starts_with(keyword)) return {keyword, slip, text.substr(keyword.size())};
+    }
+    for (const std::string_view keyword : keywords) {
+        if (editDistance(word.substr(0, keyword.size()), keyword, 0) == 0) {
+            return {keyword, inQuotes(word) + " is not in small letters",
+                    text.substr(keyword.size())};
+        }
+    }
+    for (const std::string_view keyword : keywords) {
+        if (misspelt(word, keyword, length == text.size())) {
+            const std::string slip =
+                "is " + inQuotes(word) + " meant to be " + inQuotes(keyword) + '?';
+            return {keyword, slip, text.substr(length)};
+        }
+    }
+    return {};
+}

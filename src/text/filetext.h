@@ -1,0 +1,13 @@
+// A file as one text, for those who look at more than its significant lines.
+
+#pragma once
+
+#include "findings.h"
+
+#include <string>
+
+/// The whole file. One that cannot be opened ends the process like openInput.
+[[nodiscard]] std::string fileText(const std::string& name);
+
+/// One warning if lines of the text hold carriage returns, however many.
+void checkCarriageReturns(const std::string& text, Findings& findings);

@@ -1,0 +1,47 @@
+#include "findings.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::size_t mostAlike = 10;
+
+/// The text without its numbers and without what stands in double quotes.
+std::string gist(const std::string& text) {
+    std::string rest;
+    bool quoted = false;
+    for (const char c : text) {
+        if (c == '"') quoted = !quoted;
+        if (!quoted && (c < '0' || c > '9')) rest += c;
+    }
+    return rest;
+}
+
+} // namespace
+
+void Findings::add(long line, Kind kind, const std::string& text) {
+    errors = errors || kind == Kind::error;
+    Alike& others = alike[(kind == Kind::error ? 'e' : 'w') + gist(text)];
+    if (++others.count > mostAlike) return;
+    others.last = found.size();
+    found.push_back({line, kind, text});
+}
+
+void Findings::show(std::ostream& out, const std::string& file) const {
+    std::vector<std::size_t> more(found.size(), 0);
+    for (const auto& [text, others] : alike) {
+        if (others.count > mostAlike) more[others.last] = others.count - mostAlike;
+    }
+    std::vector<std::size_t> order(found.size());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+    std::stable_sort(order.begin(), order.end(), [this](std::size_t a, std::size_t b) {
+        return found[a].line < found[b].line;
+    });
+    for (const std::size_t i : order) {
+        const Finding& f = found[i];
+        out << file << ':' << f.line << ": " << (f.kind == Kind::error ? "error: " : "warning: ")
+            << f.text;
+        if (more[i] > 0) out << " (and " << more[i] << " more like it)";
+        out << '\n';
+    }
+}

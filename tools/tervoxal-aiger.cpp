@@ -1,0 +1,34 @@
+// The command tervoxal-aiger: whether a formula can be met at any length, as a circuit for model
+// checkers.
+
+#include "aiger.h"
+#include "command.h"
+#include "names.h"
+#include "reachability.h"
+
+#include <iostream>
+
+int main(int argc, char* argv[]) {
+    const Command command{
+        "tervoxal-aiger",
+        "NetworkFile FormulaFile",
+        "Writes the question whether the network NetworkFile.in can reach a state in which the\n"
+        "formula of FormulaFile.in holds, in any number of steps, as an AIGER 1.0 circuit to\n"
+        "standard output. A model checker answers it for all lengths:\n"
+        "\n"
+        "  tervoxal-aiger NetworkFile FormulaFile >question.aig\n"
+        "  berkeley-abc -c \"read_aiger question.aig; pdr\"\n",
+        {{"ascii", "", "write the text form of the format (.aag), not the binary one"}},
+        2,
+        2};
+    const CommandLine line(command, argc, argv);
+    NetTimedModel model;
+    Names names;
+    readNamedNetwork(model, names, line.operands[0]);
+    model.readFormula(line.operands[1]);
+    if (model.form->temporalLength() > 0) {
+        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
+    }
+    showAIGER(std::cout, reachability(model, names), line.has("ascii"));
+    return finished(0);
+}

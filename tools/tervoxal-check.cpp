@@ -1,0 +1,38 @@
+// The command tervoxal-check: what a run would refuse, and what hardly can be meant.
+
+#include "command.h"
+#include "formulacheck.h"
+#include "networkcheck.h"
+
+#include <iostream>
+#include <string>
+
+int main(int argc, char* argv[]) {
+    const Command command{
+        "tervoxal-check",
+        "NetworkFile [FormulaFile]",
+        "Tells what is wrong with the network NetworkFile.in and the formula FormulaFile.in, one\n"
+        "line each:\n"
+        "\n"
+        "  FILE:LINE: error: ...    a run refuses the file\n"
+        "  FILE:LINE: warning: ...  a run takes it, but it hardly can be meant\n"
+        "\n"
+        "Without FormulaFile it looks at the network only. The exit status is 0 if there is "
+        "nothing\n"
+        "to tell, else 1.\n",
+        {},
+        1,
+        2};
+    const CommandLine line(command, argc, argv);
+    const std::string networkFile = line.operands[0] + ".in";
+    Findings inNetwork;
+    const CheckedNetwork network = checkNetwork(networkFile, inNetwork);
+    inNetwork.show(std::cout, networkFile);
+    Findings inFormula;
+    if (line.operands.size() > 1) {
+        const std::string formulaFile = line.operands[1] + ".in";
+        checkFormula(formulaFile, network, inFormula);
+        inFormula.show(std::cout, formulaFile);
+    }
+    return finished(inNetwork.empty() && inFormula.empty() ? 0 : 1);
+}

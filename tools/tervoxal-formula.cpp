@@ -1,0 +1,53 @@
+// The command tervoxal-formula: an expression with names as a formula line.
+
+#include "command.h"
+#include "expression.h"
+#include "names.h"
+
+#include <iostream>
+#include <iterator>
+#include <string>
+
+int main(int argc, char* argv[]) {
+    const Command command{
+        "tervoxal-formula",
+        "NetworkFile EXPRESSION",
+        "Prints the line of a formula file that means the same as EXPRESSION in the "
+        "network\n"
+        "NetworkFile.in. With - for EXPRESSION it is read from standard input.\n"
+        "\n"
+        "  !a            not a\n"
+        "  a & b         a and b\n"
+        "  a | b         a or b\n"
+        "  a -> b        a implies b; a -> b -> c is a -> (b -> c)\n"
+        "  (a)           brackets\n"
+        "  true, false   the constants\n"
+        "  name          the proposition that the network names so\n"
+        "  \"a name\"      likewise, if the name holds blanks, operators or "
+        "brackets;\n"
+        "                \\\" and \\\\ stand for \" and \\ in it\n"
+        "  p12           proposition 12\n"
+        "\n"
+        "! binds strongest, then &, |, ->.\n",
+        {},
+        2,
+        2};
+    const CommandLine line(command, argc, argv);
+    std::string expression = line.operands[1];
+    if (expression == "-") {
+        expression.assign(std::istreambuf_iterator<char>(std::cin), {});
+    }
+
+    NetTimedModel model;
+    Names names;
+    readNamedNetwork(model, names, line.operands[0]);
+    PropNumbers props;
+    for (const auto& [prop, name] : names.props) props[name].push_back(prop);
+
+    const Translated formula = translated(expression, props);
+    for (const std::string& warning : formula.warnings) {
+        std::cerr << "warning: " << warning << '\n';
+    }
+    std::cout << formula.postfix << '\n';
+    return finished(0);
+}
