@@ -41,12 +41,13 @@ void showHelp(const Command& command, const std::vector<Option>& options) {
 
 } // namespace
 
-CommandLine::CommandLine(const Command& command, int argc, char* argv[]) : name(command.name) {
+CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(command.name) {
     std::signal(SIGPIPE, SIG_IGN);
     std::vector<Option> options = command.options;
     options.push_back(helpOption);
     options.push_back(versionOption);
     std::vector<option> known;
+    known.reserve(options.size() + 1);
     for (const Option& o : options) {
         known.push_back(
             {o.name.c_str(), o.argument.empty() ? no_argument : required_argument, nullptr, 0});

@@ -31,7 +31,7 @@ public:
     /// Prints the help or the version and ends the process with status 0 where it is asked for.
     /// Ends it with status 1 and a line or two on standard error where the arguments do not fit the
     /// command. Ignores SIGPIPE from here on: a reader that stops reading is a write that fails.
-    CommandLine(const Command& command, int argc, char* argv[]);
+    CommandLine(const Command& command, int argc, char** argv);
 
     [[nodiscard]] bool has(const std::string& option) const { return values.contains(option); }
     /// The value given last, or `otherwise` if the option is not there.
