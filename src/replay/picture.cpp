@@ -139,7 +139,7 @@ private:
         for (const std::string& prop : props) lines.push_back('{' + prop + '}');
         out << "    a" << a << '_' << l << " [label=" << quoted(lines);
         if (trace.visited.contains(location)) {
-            out << ", style=\"rounded,filled\", fillcolor=\"#cfe3f7\"";
+            out << R"(, style="rounded,filled", fillcolor="#cfe3f7")";
         }
         out << "];\n";
     }
@@ -150,7 +150,7 @@ private:
         if (move.first == move.second) lines.emplace_back(" ");                // above the loop
         out << "    a" << a << '_' << move.first << " -> a" << a << '_' << move.second
             << " [label=" << quoted(lines);
-        if (taken != trace.taken.end()) out << ", style=bold, color=\"#1f5fa8\"";
+        if (taken != trace.taken.end()) out << R"(, style=bold, color="#1f5fa8")";
         out << "];\n";
     }
 

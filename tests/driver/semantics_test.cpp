@@ -129,7 +129,8 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         const std::size_t k = 1 + random() % 6;
         const std::string arguments = " net form " + std::to_string(k);
         const std::string showPath = "$D/tervoxal-path --format=json" + arguments + " model";
-        SCOPED_TRACE("seed " + std::to_string(seed) + arguments + ' ' + formula + '\n' + network);
+        SCOPED_TRACE(testing::Message() << "seed " << seed << arguments << ' ' << formula << '\n'
+                                        << network);
         ASSERT_EQ(scratch.run("$T" + arguments), 0);
         const bool reachable = search(transitions, k);
         satisfiable += reachable ? 1 : 0;
@@ -148,7 +149,7 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
             std::istringstream numbers(scratch.read("netk" + std::to_string(k) + ".lck"));
             const std::vector<uint> sideFile{std::istream_iterator<uint>(numbers), {}};
             std::string positions = shown(model, decoded(sideFile, variables));
-            EXPECT_TRUE(positions != "" && scratch.read("stdout").ends_with(positions));
+            EXPECT_TRUE(!positions.empty() && scratch.read("stdout").ends_with(positions));
 
             // A flipped variable is refused, unless what is left is such a run again.
             const auto flipped = static_cast<uint>(1 + random() % (sideFile.back() + 1));
