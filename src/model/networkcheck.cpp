@@ -23,21 +23,6 @@ bool beginsWithDigit(std::string_view text) {
     return !text.empty() && text.front() >= '0' && text.front() <= '9';
 }
 
-/// "location 3", "locations 3, 4 and 5", "locations 3, 4, 5, 6, 7 and 20 others".
-std::string listed(const std::vector<uint>& locations) {
-    constexpr std::size_t most = 5;
-    const std::size_t named = std::min(most, locations.size());
-    std::string text = locations.size() == 1 ? "location " : "locations ";
-    for (std::size_t i = 0; i < named; ++i) {
-        const bool last = i + 1 == locations.size();
-        text += (i == 0 ? "" : last ? " and " : ", ") + std::to_string(locations[i]);
-    }
-    if (named < locations.size()) {
-        text += " and " + std::to_string(locations.size() - named) + " others";
-    }
-    return text;
-}
-
 /// Whether a line that begins like a declaration or an `end` is one from there to its end. Words
 /// that begin like keywords are common in titles; lines that are complete are not.
 bool complete(const KeywordLine& line) {
@@ -176,6 +161,8 @@ private:
                (name.empty() ? "" : ' ' + inQuotes(name));
     }
 
+    /// "location 3", "locations 3, 4 \"idle\" and 5", "locations 3, 4, 5, 6, 7 and 20 others".
+    [[nodiscard]] std::string listed(const std::vector<uint>& locations) const;
     void checkTitle(const std::string& what);
     void checkKeyword(std::string_view keyword) {
         if (beginsWithDigit(std::string_view(lines.text).substr(keyword.size()))) {
@@ -235,6 +222,22 @@ private:
     bool locationsLost = false;
     bool transitionsLost = false;
 };
+
+std::string NetworkChecker::listed(const std::vector<uint>& locations) const {
+    constexpr std::size_t most = 5;
+    const std::size_t told = std::min(most, locations.size());
+    std::string text = locations.size() == 1 ? "location " : "locations ";
+    for (std::size_t i = 0; i < told; ++i) {
+        const bool last = i + 1 == locations.size();
+        text += (i == 0 ? "" : last ? " and " : ", ") + std::to_string(locations[i]);
+        const auto named = locationNames.find(locations[i]);
+        if (named != locationNames.end()) text += ' ' + inQuotes(named->second.text);
+    }
+    if (told < locations.size()) {
+        text += " and " + std::to_string(locations.size() - told) + " others";
+    }
+    return text;
+}
 
 void NetworkChecker::checkTitle(const std::string& what) {
     const std::string_view text = trimmed(lines.text);

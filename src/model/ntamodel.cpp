@@ -18,9 +18,13 @@ void NetTimedModel::readFormula(std::string name) {
         if (token.op != OpVar && token.op != OpNegVar) continue;
         carriers.try_emplace(static_cast<uint>(token.varNr));
     }
+    std::set<uint> always;
     for (const auto& [location, prop] : valuation) {
         const auto named = carriers.find(prop);
-        if (named != carriers.end()) named->second.push_back(location);
+        if (named == carriers.end()) continue;
+        // A carrier without bits makes its proposition true; a second one would add nothing.
+        const bool noBits = location.first < nrOfBits.size() && nrOfBits[location.first] == 0;
+        if (!noBits || always.insert(prop).second) named->second.push_back(location);
     }
 }
 
