@@ -18,7 +18,7 @@ BoolForm formula(int size) {
         formulas.push_back(i % 8 == 0 ? equ(recent, any) : con(recent, neg(any)));
     }
     BoolForm all(true);
-    for (int i = 0; i < 100; ++i) all = con(all, neg(formulas[formulas.size() - 1 - i]));
+    for (std::size_t i = 1; i <= 100; ++i) all = con(all, neg(formulas[formulas.size() - i]));
     return all;
 }
 

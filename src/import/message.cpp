@@ -1,5 +1,6 @@
 #include "message.h"
 
+#include "readable.h"
 #include "scanner.h"
 
 #include <cstddef>
@@ -24,14 +25,6 @@ std::string normalised(std::string_view text) {
 }
 
 std::string shown(std::string_view text) {
-    constexpr std::size_t longest = 60;
-    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
-    std::string r = normalised(text.substr(0, 4 * longest));
-    if (r.size() > longest) {
-        std::size_t size = longest;
-        while (size > 0 && continues(r[size])) --size;
-        r.resize(size);
-        r += "...";
-    }
-    return "'" + r + "'";
+    constexpr std::size_t looksAt = 1000; // a name may have megabytes
+    return inQuotes(normalised(text.substr(0, looksAt)));
 }

@@ -12,5 +12,5 @@
 /// Each run of white space as one blank, none at the ends.
 [[nodiscard]] std::string normalised(std::string_view text);
 
-/// The text in single quotes, normalised and, where it is long, cut.
+/// The text in double quotes, normalised and, where it is long, cut.
 [[nodiscard]] std::string shown(std::string_view text);

@@ -240,7 +240,7 @@ void Reader::begin(const char* name, const char** attributes) {
     const std::string_view local = localName(name);
     Element element = elementOf(open.back(), local);
     if (open.size() == 1 && element != Element::pnml) {
-        return refuse("the document is " + shown(local) + " and not 'pnml'");
+        return refuse("the document is " + shown(local) + " and not \"pnml\"");
     }
     switch (element) {
     case Element::net: beginNet(attributes); break;
@@ -332,7 +332,7 @@ void Reader::beginNet(const char** attributes) {
     if (std::exchange(netSeen, true)) return refuse("the file has several nets");
     const char* type = attribute(attributes, "type");
     if (type != nullptr && !isPlaceTransition(type)) {
-        return refuse("nets of type " + shown(type) + " are not read, only 'ptnet'");
+        return refuse("nets of type " + shown(type) + " are not read, only \"ptnet\"");
     }
     if (const char* found = attribute(attributes, "id")) netId = found;
 }

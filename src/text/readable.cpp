@@ -54,8 +54,10 @@ std::string readable(std::string_view text) {
 }
 
 std::string excerpt(std::string_view text) {
-    constexpr std::size_t most = 40;
-    return readable(text.substr(0, most)) + (text.size() > most ? "..." : "");
+    std::size_t size = 40;
+    if (text.size() <= size) return readable(text);
+    while (size > 37 && (static_cast<unsigned char>(text[size]) & 0xc0U) == 0x80U) --size;
+    return readable(text.substr(0, size)) + "...";
 }
 
 std::string inQuotes(std::string_view text) { return '"' + excerpt(text) + '"'; }
