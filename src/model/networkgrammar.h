@@ -31,10 +31,10 @@
 #include "lines.h"
 #include "scanner.h"
 
-#include <compare>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 /// A transition as a file tells it. Ordered by action, then source, then target.
 struct Transition {
@@ -42,8 +42,12 @@ struct Transition {
     unsigned int source;
     unsigned int target;
 
-    auto operator<=>(const Transition&) const = default;
+    bool operator==(const Transition&) const = default;
 };
+
+inline bool operator<(const Transition& a, const Transition& b) {
+    return std::tie(a.action, a.source, a.target) < std::tie(b.action, b.source, b.target);
+}
 
 template <class Handler>
 class NetworkParser {

@@ -38,7 +38,7 @@ public:
         section.addTransition(t, lines.number);
         if (names != nullptr && named) name(names->actions, t.action, behind.rest());
     }
-    void valuation() {
+    void valuation() const {
         if (progress) std::cout << "wczytywanie wartosciowania\n";
     }
     void value(uint l) { section.addValue(l, lines.number); }
@@ -50,7 +50,7 @@ public:
     void closed();
     void end() {}
 
-    [[noreturn]] void refused(const std::string& message) { refused(lines.number, message); }
+    [[noreturn]] void refused(const std::string& message) const { refused(lines.number, message); }
     static bool mend(const char* /*message*/) { return false; }
     [[noreturn]] static void disorder(const char* message) { error(message); }
 

@@ -23,7 +23,7 @@ void behind(std::ostream& out, std::string_view name) {
 }
 
 /// A line that is significant and no keyword, whatever its text is.
-void title(std::ostream& out, std::string_view name) {
+void titleLine(std::ostream& out, std::string_view name) {
     const std::string text = oneLine(name);
     if (text.empty() || text.front() == '#' || text.starts_with("end")) out << ' ';
     out << text << '\n';
@@ -37,10 +37,10 @@ bool beginsLikeNumber(std::string_view text) {
 } // namespace
 
 NetworkWriter::NetworkWriter(std::ostream& out, std::string_view heading) : out(&out) {
-    title(out, heading);
+    titleLine(out, heading);
 }
 
-void NetworkWriter::automaton(std::string_view name) { title(*out, name); }
+void NetworkWriter::automaton(std::string_view title) { titleLine(*out, title); }
 
 void NetworkWriter::location(unsigned int l, std::string_view name) {
     *out << "location " << l;
