@@ -3,7 +3,10 @@
 #include "boolform.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
+#include <cstdio>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -18,7 +21,7 @@ BoolForm formula(int size) {
         formulas.push_back(i % 8 == 0 ? equ(recent, any) : con(recent, neg(any)));
     }
     BoolForm all(true);
-    for (int i = 0; i < 100; ++i) all = con(all, neg(formulas[formulas.size() - 1 - i]));
+    for (std::size_t i = 0; i < 100; ++i) all = con(all, neg(formulas[formulas.size() - 1 - i]));
     return all;
 }
 
