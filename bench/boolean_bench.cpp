@@ -3,7 +3,10 @@
 #include "boolform.h"
 
 #include <benchmark/benchmark.h>
+#include <cstddef>
+#include <cstdio>
 #include <random>
+#include <vector>
 
 namespace {
 

@@ -1,4 +1,4 @@
-// The store emptied, and as a text.
+// The store as a text.
 
 #pragma once
 
@@ -6,8 +6,6 @@
 
 #include <cstdlib>
 #include <string>
-
-inline void emptyStore() { BoolForm::clear(); }
 
 /// The nodes in the order of their creation, each as its kind and operands, then the formula. #1
 /// stands for the first node, T and F for the constants.

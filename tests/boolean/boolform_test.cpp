@@ -74,6 +74,7 @@ TEST(Store, keepsItsInvariantsThroughRandomFormulas) {
     const auto& tv = BoolForm::tv;
     ASSERT_EQ(formulas[0].maxVarNr(), 1000000 + static_cast<int>(tv.size()));
     ASSERT_EQ(BoolForm::mti.size(), tv.size());
+    EXPECT_LT(Triple(bfCon, -2, 1), Triple(bfCon, 1, -2));
     EXPECT_TRUE(std::is_sorted(BoolForm::mti.begin(), BoolForm::mti.end()));
     for (std::size_t i = 0; i < tv.size(); ++i) {
         EXPECT_EQ(BoolForm::mti.at(tv[i]), 1000001 + static_cast<int>(i));
