@@ -78,9 +78,15 @@ TEST(Transitions, actionsOfManyAutomata) {
             }
             EXPECT_EQ(owners, expected) << action;
         }
-        EXPECT_DEATH((void)transitions.owners(7), "found.size\\(\\) == 1");
     });
     EXPECT_NEAR(steps, 6000, 5000);
+}
+
+TEST(Transitions, ownersOfAnActionThatIsNone) {
+    NetTimedModel model;
+    read(model, EXAMPLES "/two");
+    const Transitions transitions(model);
+    EXPECT_DEATH((void)transitions.owners(5), "found.size\\(\\) == 1");
 }
 
 TEST(Property, followsTheStateStepByStep) {
