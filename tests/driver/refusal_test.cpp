@@ -5,7 +5,10 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <map>
 #include <regex>
+#include <vector>
 
 namespace {
 
@@ -69,9 +72,71 @@ TEST(Refusal, damagedInputIsTakenOrRefusedInOneLine) {
         EXPECT_EQ(lines.find("runtime error"), std::string::npos) << lines;
         for (const char* output : outputs)
             EXPECT_EQ(scratch.read(output) == "old\n", status == 1) << output;
-        ASSERT_LE(scratch.run("timeout 20 \"$D\"/tervoxal-check net form"), 1);
+        const int checked = scratch.run("timeout 20 \"$D\"/tervoxal-check net form");
+        ASSERT_LE(checked, 1);
         const std::string findings = scratch.read("stdout") + scratch.read("stderr");
         EXPECT_EQ(findings.find(": error: ") != std::string::npos, status == 1) << findings;
+        static const std::regex wellFormed(R"(((net|form)\.in:[1-9]\d*: (error|warning): .+\n)*)");
+        EXPECT_TRUE(std::regex_match(findings, wellFormed)) << findings;
+        EXPECT_EQ(checked, findings.empty() ? 0 : 1);
+        // The run ends at its first error, in a line that the check tells as well.
+        if (std::smatch told; std::regex_search(lines, told, std::regex("^line (\\d+): "))) {
+            EXPECT_NE(findings.find("net.in:" + told.str(1) + ": error: "), std::string::npos)
+                << lines << findings;
+        }
     }
     EXPECT_GT(std::ranges::min(outcomes), mutations / 10);
+}
+
+TEST(Refusal, companionsTakeDamagedInputOrRefuseItInOneLine) {
+    const char* const wanted = std::getenv("TERVOXAL_MUTATIONS");
+    const int mutations = wanted == nullptr ? 300 : std::atoi(wanted) / 3;
+    std::ifstream in(TEST_DATA "/refusals.tsv");
+    std::vector<std::array<std::string, 3>> rows; // the command, its statuses, its files
+    for (std::string row; std::getline(in, row);) {
+        std::istringstream fields(row);
+        for (std::string& field : rows.emplace_back()) std::getline(fields, field, '\t');
+    }
+    std::map<std::size_t, std::array<int, 2>> outcomes;
+    for (int seed = 1; seed <= mutations; ++seed) {
+        const Scratch scratch;
+        Random random(static_cast<unsigned>(seed));
+        const std::size_t which = 1 + random() % (rows.size() - 1); // the first is the heading
+        const auto& [command, statuses, names] = rows[which];
+        SCOPED_TRACE(std::to_string(seed) + ": " + command);
+        const std::size_t automata = 1 + random() % 3;
+        scratch.write("net.in", randomNetwork(random, automata));
+        scratch.write("form.in", randomFormula(random, State(automata + 1)) + '\n');
+        scratch.write("expression", "p0 & !(p1|p17)\n -> \"p17\" |\ttrue & p100\n");
+        const bool asked = names.find("answer") != std::string::npos;
+        ASSERT_LT(asked ? scratch.run("\"$T\" net form 3 && minisat netk3.cnf answer") : 0, 30);
+        for (const auto* const copied :
+             {"buffer.pnml net.pnml", "machine.aut a.aut", "customer.aut b.aut"})
+            ASSERT_EQ(scratch.run("cp '" EXAMPLES "'/" + std::string(copied)), 0);
+        std::istringstream words(names);
+        const std::vector<std::string> files{std::istream_iterator<std::string>(words), {}};
+        const std::string& file = files[random() % files.size()];
+        std::string text = scratch.read(file);
+        for (auto n = 1 + random() % 2; n > 0; --n) damage(text, random);
+        scratch.write(file, text);
+        const int status =
+            scratch.run(std::regex_replace(command, std::regex("\"\\$D\""), "timeout 20 \"$$D\""));
+        const bool refused = status == 1;
+        std::istringstream taken(statuses);
+        EXPECT_TRUE(refused || std::find(std::istream_iterator<int>(taken), {}, status) !=
+                                   std::istream_iterator<int>())
+            << status;
+        ++outcomes[which].at(refused ? 1 : 0);
+        EXPECT_TRUE(!refused || scratch.read("stdout").empty());
+        static const std::regex expected(
+            "(.*: )?warning: .*|no path of .*|the solver gave no answer|(never|k = |proof).*");
+        std::istringstream lines(scratch.read("stderr"));
+        int others = 0;
+        for (std::string line; std::getline(lines, line);)
+            others += std::regex_match(line, expected) ? 0 : 1;
+        EXPECT_EQ(others, refused ? 1 : 0) << lines.str() << text;
+        EXPECT_EQ(lines.str().find("runtime error"), std::string::npos) << lines.str();
+    }
+    for (const auto& [which, counts] : outcomes)
+        EXPECT_GT(std::ranges::min(counts), 0) << rows[which][0];
 }

@@ -2,7 +2,7 @@
 // search of the network's states, and tervoxal-path has to show what they find, as far as it is a
 // run of the network that meets the formula.
 
-#include "network.h"
+#include "plain.h"
 #include "property.h"
 #include "support.h"
 #include "transitions.h"
@@ -71,39 +71,6 @@ std::vector<State> decoded(const std::vector<uint>& sideFile, const std::set<uin
     return path;
 }
 
-std::string list(const auto& numbers) {
-    std::string text;
-    for (const auto number : numbers) text += (text.empty() ? "" : ",") + std::to_string(number);
-    return '[' + text + ']';
-}
-
-/// The positions as tervoxal-path shows them, empty if the path is no run that meets the formula.
-/// Each action is compared with each automaton.
-std::string shown(const NetTimedModel& model, const std::vector<State>& path) {
-    bool met = false;
-    std::string text = "\"positions\":[";
-    for (std::size_t p = 0; p < path.size(); ++p) {
-        const State& to = path[p];
-        std::vector<uint> actions;
-        for (const auto& [action, automata] : model.actionAutomata) {
-            bool leads = p > 0;
-            for (uint a = 1; leads && a < to.size(); ++a) {
-                const NetTimedModel::Move move(path[p - 1][a], to[a]);
-                leads = automata.contains(a) ? model.actionEdges.at({a, action}).contains(move)
-                                             : move.first == move.second;
-            }
-            if (leads) actions.push_back(action);
-        }
-        if (p == 0 ? to != initialState(model) : actions.empty()) return "";
-        met = met || holds(model, to);
-        text += (p == 0 ? "\n{\"position\":" : ",\n{\"position\":") + std::to_string(p) +
-                (p == 0 ? "" : ",\"actions\":" + list(actions)) +
-                ",\"locations\":" + list(State(to.begin() + 1, to.end())) +
-                (holds(model, to) ? ",\"holds\":true}" : ",\"holds\":false}");
-    }
-    return met ? text + "]}\n" : "";
-}
-
 } // namespace
 
 TEST(Semantics, solversAgreeWithASearchOfTheStates) {
@@ -148,7 +115,7 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
             std::set<uint> variables = trueVariables(scratch.read("model"));
             std::istringstream numbers(scratch.read("netk" + std::to_string(k) + ".lck"));
             const std::vector<uint> sideFile{std::istream_iterator<uint>(numbers), {}};
-            std::string positions = shown(model, decoded(sideFile, variables));
+            std::string positions = shown(model, decoded(sideFile, variables), formula);
             EXPECT_TRUE(!positions.empty() && scratch.read("stdout").ends_with(positions));
 
             // A flipped variable is refused, unless what is left is such a run again.
@@ -157,7 +124,7 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
             std::ostringstream literals;
             for (const uint variable : variables) literals << variable << '\n';
             scratch.write("model", literals.str() + "0");
-            positions = shown(model, decoded(sideFile, variables));
+            positions = shown(model, decoded(sideFile, variables), formula);
             EXPECT_EQ(scratch.run(showPath), positions.empty() ? 1 : 10);
             EXPECT_EQ(scratch.read("stdout").empty(), positions.empty());
             EXPECT_TRUE(scratch.read("stdout").ends_with(positions));
