@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <map>
 #include <regex>
 #include <vector>
 
@@ -97,17 +96,17 @@ TEST(Refusal, companionsTakeDamagedInputOrRefuseItInOneLine) {
         std::istringstream fields(row);
         for (std::string& field : rows.emplace_back()) std::getline(fields, field, '\t');
     }
-    std::map<std::size_t, std::array<int, 2>> outcomes;
+    std::array<int, 2> outcomes = {0, 0};
     for (int seed = 1; seed <= mutations; ++seed) {
         const Scratch scratch;
         Random random(static_cast<unsigned>(seed));
-        const std::size_t which = 1 + random() % (rows.size() - 1); // the first is the heading
-        const auto& [command, statuses, names] = rows[which];
+        // The first row is the heading.
+        const auto& [command, statuses, names] = rows[1 + random() % (rows.size() - 1)];
         SCOPED_TRACE(std::to_string(seed) + ": " + command);
         const std::size_t automata = 1 + random() % 3;
         scratch.write("net.in", randomNetwork(random, automata));
         scratch.write("form.in", randomFormula(random, State(automata + 1)) + '\n');
-        scratch.write("expression", "p0 & !(p1|p17)\n -> \"p17\" |\ttrue & p100\n");
+        scratch.write("expression", "p0 & !(p1|p17)\n -> p17 |\ttrue & p100\n");
         const bool asked = names.find("answer") != std::string::npos;
         ASSERT_LT(asked ? scratch.run("\"$T\" net form 3 && minisat netk3.cnf answer") : 0, 30);
         for (const auto* const copied :
@@ -126,7 +125,7 @@ TEST(Refusal, companionsTakeDamagedInputOrRefuseItInOneLine) {
         EXPECT_TRUE(refused || std::find(std::istream_iterator<int>(taken), {}, status) !=
                                    std::istream_iterator<int>())
             << status;
-        ++outcomes[which].at(refused ? 1 : 0);
+        ++outcomes.at(refused ? 1 : 0);
         EXPECT_TRUE(!refused || scratch.read("stdout").empty());
         static const std::regex expected(
             "(.*: )?warning: .*|no path of .*|the solver gave no answer|(never|k = |proof).*");
@@ -137,6 +136,5 @@ TEST(Refusal, companionsTakeDamagedInputOrRefuseItInOneLine) {
         EXPECT_EQ(others, refused ? 1 : 0) << lines.str() << text;
         EXPECT_EQ(lines.str().find("runtime error"), std::string::npos) << lines.str();
     }
-    for (const auto& [which, counts] : outcomes)
-        EXPECT_GT(std::ranges::min(counts), 0) << rows[which][0];
+    EXPECT_GT(std::ranges::min(outcomes), mutations / 10);
 }
