@@ -2,11 +2,15 @@
 
 #pragma once
 
+#include "networkwriter.h"
 #include "ntamodel.h"
 #include "support.h"
 
 #include <array>
 #include <random>
+#include <sstream>
+#include <string>
+#include <vector>
 
 using Random = std::mt19937; // % n: unlike the distributions of <random> the same everywhere
 
@@ -17,32 +21,37 @@ inline const std::array<std::string, 8> commonProps = {"0",  "1",  "17",  "21474
                                                        "-0", "-1", "-17", "-2147483647"};
 
 /// The proposition of location l of automaton a alone.
-inline std::string ownProp(std::size_t a, uint l) { return std::to_string(100 * a + l); }
+inline uint ownProp(std::size_t a, uint l) { return static_cast<uint>(100 * a) + l; }
 
 /// The text of a network of that many automata. Action 0 and up to two others are shared.
 inline std::string randomNetwork(Random& random, std::size_t automata) {
-    std::ostringstream text("# random\n\nnetwork\n", std::ios::ate);
+    std::ostringstream text("# random\n\n", std::ios::ate);
+    NetworkWriter net(text, "network");
     const std::size_t factor = 1 + random() % 6; // orders the shared actions and the own ones
     for (std::size_t a = 1; a <= automata; ++a) {
         const auto locations = static_cast<uint>(1 + random() % 6);
-        text << "automaton " << a << '\n';
-        for (uint l = locations; l-- > 0;) text << "location " << l << "\nend\n";
+        net.automaton("automaton " + std::to_string(a));
+        for (uint l = locations; l-- > 0;) net.location(l);
         for (auto n = random() % 8 == 0 ? 0 : 2 * locations + random() % locations; n > 0; --n) {
             const std::size_t action = factor * (random() % 3 == 0 ? 2 + a : random() % 3) % 7;
-            const auto source = random() % locations;
-            text << "transition " << source << ' ' << (source + random() % 3) % locations;
-            text << (action == 0 ? "" : ' ' + std::to_string(action)) << "\n# end\nend\n";
+            const auto source = static_cast<uint>(random() % locations);
+            const auto target = static_cast<uint>((source + random() % 3) % locations);
+            net.transition(source, target, static_cast<uint>(action));
+            if (action == 0) text << "# a comment\n";
         }
-        text << "valuation";
+        net.valuation();
         for (uint l = 0; l < locations; ++l) {
-            text << '\n' << l << ' ' << ownProp(a, l);
+            std::vector<uint> props = {ownProp(a, l)};
             for (std::size_t i = 0; i < 4; ++i) {
-                if (random() % 4 == 0) text << ' ' << commonProps.at(i);
+                if (random() % 4 == 0)
+                    props.push_back(static_cast<uint>(std::stoul(commonProps.at(i))));
             }
+            net.value(l, props);
         }
-        text << "\nend\nend\n";
+        net.endAutomaton();
     }
-    return text.str() + "end\n";
+    net.end();
+    return text.str();
 }
 
 /// A formula about common propositions and one state.
@@ -55,7 +64,8 @@ inline std::string randomFormula(Random& random, const State& state) {
             text += 'p' + commonProps.at(random() % commonProps.size());
         } else {
             text += 'T';
-            for (std::size_t a = 1; a < state.size(); ++a) text += 'p' + ownProp(a, state[a]) + '&';
+            for (std::size_t a = 1; a < state.size(); ++a)
+                text += 'p' + std::to_string(ownProp(a, state[a])) + '&';
         }
         (random() % 2 == 0 ? text : end) += op;
     }

@@ -62,6 +62,7 @@ class TripleMap {
 public:
     using Map = std::map<Triple, int>;
 
+    operator const Map&() const { return all(); }
     [[nodiscard]] Map::const_iterator begin() const { return all().begin(); }
     [[nodiscard]] Map::const_iterator end() const { return all().end(); }
     [[nodiscard]] Map::const_iterator find(const Triple& t) const { return all().find(t); }

@@ -78,8 +78,8 @@ BoolForm Step::formula(const SymState& s1, const SymState& s2) {
     assert(s1.loc.size() == stateBits && s2.loc.size() == stateBits);
     ++call;
     equalities.assign(automata.size(), unbuilt);
-    stays.assign(frames.size(), unbuilt);
-    stays[0] = BoolForm(true);
+    conditions.assign(frames.size(), unbuilt);
+    conditions[0] = BoolForm(true);
 
     BoolForm result(false);
     uint participant = 0;
@@ -122,14 +122,14 @@ BoolForm Step::location(std::vector<Built>& nodes, const Automaton& automaton, u
 }
 
 BoolForm Step::stay(uint frame, const SymState& s1, const SymState& s2) {
-    for (uint f = frame; stays[f] == unbuilt; f = frames[f].parent) missing.push_back(f);
+    for (uint f = frame; conditions[f] == unbuilt; f = frames[f].parent) missing.push_back(f);
     for (; !missing.empty(); missing.pop_back()) {
         const auto& [parent, automaton] = frames[missing.back()];
         BoolForm& equality = equalities[automaton];
         if (equality == unbuilt) {
             equality = eq(s1.loc, s2.loc, automata[automaton].shift, automata[automaton].bits);
         }
-        stays[missing.back()] = con(stays[parent], equality);
+        conditions[missing.back()] = con(conditions[parent], equality);
     }
-    return stays[frame];
+    return conditions[frame];
 }

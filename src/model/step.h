@@ -101,6 +101,6 @@ private:
     std::vector<Built> sources;       // the trees in s1
     std::vector<Built> targets;       // the trees in s2
     std::vector<BoolForm> equalities; // of each automaton
-    std::vector<BoolForm> stays;      // of each frame
+    std::vector<BoolForm> conditions; // of each frame
     std::vector<uint> missing;        // frames still to be built
 };
