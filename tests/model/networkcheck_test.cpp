@@ -98,7 +98,14 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
         std::set<std::string> before;
         for (std::string line; std::getline(old, line);) before.insert(line);
         std::map<std::size_t, std::string> due;
-        auto wanted = 1 + random() % 3;
+        std::set<std::ptrdiff_t> damaged; // automata
+        const auto automatonOf = [&](std::size_t line) {
+            return std::count(places.begin(),
+                              places.begin() + static_cast<std::ptrdiff_t>(line) + 1, "automaton");
+        };
+        bool named = false;
+        bool lost = false;
+        const auto wanted = 1 + random() % 3;
         for (int attempt = 0; due.size() < wanted && attempt < 1000; ++attempt) {
             const std::size_t at = random() % lines.size();
             const std::size_t which = random() % all.size();
@@ -107,10 +114,13 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
             const auto near = due.lower_bound(at < 3 ? 0 : at - 3);
             if (places[at] != mistake.place || (near != due.end() && near->first < at + 4))
                 continue;
-            // Of the locations that are not declared, one in an automaton is told.
-            const bool alone = mistake.kind.ends_with(", alone");
-            if (alone && !due.empty()) continue;
-            if (alone) wanted = 1;
+            // Of the locations that are not declared, one is told, unless a declaration is lost.
+            const bool declares = mistake.place.starts_with("location");
+            const bool names = mistake.kind.ends_with(", undeclared");
+            if ((names && (named || lost)) || (declares && named)) continue;
+            named = named || names;
+            lost = lost || declares;
+            damaged.insert(automatonOf(at));
             lines[at] = with(mistake.text, lines[at]);
             due[at] = mistake.kind.substr(0, mistake.kind.find(','));
             ++made[which];
@@ -132,6 +142,11 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
             } else if (line.find(": " + mistake->second + ": ") != std::string::npos) {
                 told.insert(at);
             }
+        }
+        for (const std::string& line : before) {
+            EXPECT_TRUE(damaged.contains(automatonOf(std::stoul(line.substr(1)) - 1)) ||
+                        after.find(line + '\n') != std::string::npos)
+                << line;
         }
         for (const auto& [at, kind] : due) EXPECT_TRUE(told.contains(at)) << "line " << at + 1;
     }
