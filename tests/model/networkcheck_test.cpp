@@ -152,3 +152,63 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
     }
     for (std::size_t i = 0; i < all.size(); ++i) EXPECT_GT(made[i], 3) << all[i].text;
 }
+
+TEST(NetworkCheck, tellsWhatCannotBeReached) {
+    const Scratch dir;
+    std::size_t told = 0;
+    for (uint seed = 1; seed <= 300; ++seed) {
+        Random random(seed);
+        const std::string network = randomNetwork(random, 1 + random() % 3);
+        dir.write("net.in", network);
+        NetTimedModel model;
+        read(model, dir.path / "net");
+        // The numbers in the warnings, as automaton, then locations, or automaton and action.
+        std::multiset<std::vector<uint>> due;
+        std::set<NetTimedModel::Location> reached;
+        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
+            reached.insert({a, 0});
+            for (std::size_t i = 0; i < model.edges.size(); ++i) {
+                for (const auto& [edge, nothing] : model.edges) {
+                    if (edge.first.first == a && reached.contains({a, edge.second.first}))
+                        reached.insert({a, edge.second.second});
+                }
+            }
+            std::vector<uint> lost = {a};
+            for (uint l = 0; model.verts.contains({a, l}); ++l) {
+                if (!reached.contains({a, l})) lost.push_back(l);
+            }
+            if (lost.size() > 1) due.insert(lost);
+        }
+        for (const auto& [local, moves] : model.actionEdges) {
+            if (std::ranges::none_of(moves, [&, a = local.first](const auto& move) {
+                    return reached.contains({a, move.first});
+                })) {
+                due.insert({local.first, local.second});
+            }
+        }
+        Findings findings;
+        EXPECT_TRUE(checkNetwork(dir.path / "net.in", findings).taken);
+        std::ostringstream out;
+        findings.show(out, "");
+        std::istringstream lines(out.str());
+        std::multiset<std::vector<uint>> found;
+        for (std::string line; std::getline(lines, line);) {
+            const std::size_t never = line.find(": it does so"); // or none, then the whole line
+            std::istringstream words(line.substr(0, never));
+            std::vector<uint> numbers;
+            bool quoted = false; // the automaton's name
+            for (std::string word; words >> word;) {
+                if (word.front() == '"') quoted = true;
+                if (!quoted && std::isdigit(static_cast<unsigned char>(word.front())) != 0)
+                    numbers.push_back(static_cast<uint>(std::stoul(word)));
+                if (word.find_last_of('"') > 0 && word.find('"', 1) != std::string::npos)
+                    quoted = false;
+            }
+            if (!line.ends_with("alone, which cannot be reached")) numbers.pop_back();
+            found.insert(numbers);
+        }
+        EXPECT_EQ(found, due) << network << out.str();
+        told += due.size();
+    }
+    EXPECT_GT(told, 100U);
+}
