@@ -98,7 +98,14 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
         std::set<std::string> before;
         for (std::string line; std::getline(old, line);) before.insert(line);
         std::map<std::size_t, std::string> due;
-        auto wanted = 1 + random() % 3;
+        std::set<std::ptrdiff_t> damaged; // automata
+        const auto automatonOf = [&](std::size_t line) {
+            return std::count(places.begin(),
+                              places.begin() + static_cast<std::ptrdiff_t>(line) + 1, "automaton");
+        };
+        bool named = false;
+        bool lost = false;
+        const auto wanted = 1 + random() % 3;
         for (int attempt = 0; due.size() < wanted && attempt < 1000; ++attempt) {
             const std::size_t at = random() % lines.size();
             const std::size_t which = random() % all.size();
@@ -107,10 +114,13 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
             const auto near = due.lower_bound(at < 3 ? 0 : at - 3);
             if (places[at] != mistake.place || (near != due.end() && near->first < at + 4))
                 continue;
-            // Of the locations that are not declared, one in an automaton is told.
-            const bool alone = mistake.kind.ends_with(", alone");
-            if (alone && !due.empty()) continue;
-            if (alone) wanted = 1;
+            // Of the locations that are not declared, one is told, unless a declaration is lost.
+            const bool declares = mistake.place.starts_with("location");
+            const bool names = mistake.kind.ends_with(", undeclared");
+            if ((names && (named || lost)) || (declares && named)) continue;
+            named = named || names;
+            lost = lost || declares;
+            damaged.insert(automatonOf(at));
             lines[at] = with(mistake.text, lines[at]);
             due[at] = mistake.kind.substr(0, mistake.kind.find(','));
             ++made[which];
@@ -133,7 +143,72 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
                 told.insert(at);
             }
         }
+        for (const std::string& line : before) {
+            EXPECT_TRUE(damaged.contains(automatonOf(std::stoul(line.substr(1)) - 1)) ||
+                        after.find(line + '\n') != std::string::npos)
+                << line;
+        }
         for (const auto& [at, kind] : due) EXPECT_TRUE(told.contains(at)) << "line " << at + 1;
     }
     for (std::size_t i = 0; i < all.size(); ++i) EXPECT_GT(made[i], 3) << all[i].text;
+}
+
+TEST(NetworkCheck, tellsWhatCannotBeReached) {
+    const Scratch dir;
+    std::size_t told = 0;
+    for (uint seed = 1; seed <= 300; ++seed) {
+        Random random(seed);
+        const std::string network = randomNetwork(random, 1 + random() % 3);
+        dir.write("net.in", network);
+        NetTimedModel model;
+        read(model, dir.path / "net");
+        // The numbers in the warnings, as automaton, then locations, or automaton and action.
+        std::multiset<std::vector<uint>> due;
+        std::set<NetTimedModel::Location> reached;
+        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
+            reached.insert({a, 0});
+            for (std::size_t i = 0; i < model.edges.size(); ++i) {
+                for (const auto& [edge, nothing] : model.edges) {
+                    if (edge.first.first == a && reached.contains({a, edge.second.first}))
+                        reached.insert({a, edge.second.second});
+                }
+            }
+            std::vector<uint> lost = {a};
+            for (uint l = 0; model.verts.contains({a, l}); ++l) {
+                if (!reached.contains({a, l})) lost.push_back(l);
+            }
+            if (lost.size() > 1) due.insert(lost);
+        }
+        for (const auto& [local, moves] : model.actionEdges) {
+            if (std::ranges::none_of(moves, [&, a = local.first](const auto& move) {
+                    return reached.contains({a, move.first});
+                })) {
+                due.insert({local.first, local.second});
+            }
+        }
+        Findings findings;
+        EXPECT_TRUE(checkNetwork(dir.path / "net.in", findings).taken);
+        std::ostringstream out;
+        findings.show(out, "");
+        std::istringstream lines(out.str());
+        std::multiset<std::vector<uint>> found;
+        for (std::string line; std::getline(lines, line);) {
+            const std::size_t never = line.find(": it does so"); // or none, then the whole line
+            std::istringstream words(line.substr(0, never));
+            std::vector<uint> numbers;
+            bool quoted = false; // the automaton's name
+            for (std::string word; words >> word;) {
+                if (word.front() == '"') quoted = true;
+                if (!quoted && std::isdigit(static_cast<unsigned char>(word.front())) != 0)
+                    numbers.push_back(static_cast<uint>(std::stoul(word)));
+                if (word.find_last_of('"') > 0 && word.find('"', 1) != std::string::npos)
+                    quoted = false;
+            }
+            if (!line.ends_with("alone, which cannot be reached")) numbers.pop_back();
+            found.insert(numbers);
+        }
+        EXPECT_EQ(found, due) << network << out.str();
+        told += due.size();
+    }
+    EXPECT_GT(told, 100U);
 }

@@ -105,7 +105,10 @@ TEST(Reachability, circuitFollowsTheNetwork) {
         const std::string formula = randomFormula(random, state);
         dir.write("form.in", formula);
         model.readFormula(dir.path / "form");
-        for (auto& [a, name] : names.automata) name = random() % 2 == 0 ? "x" : name;
+        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
+            const std::string alike = random() % 3 == 0 ? " (automaton 3)" : "";
+            if (random() % 4 > 0) names.automata[a] = 'x' + alike;
+        }
         BoolForm::clear();
         const Circuit circuit = reachability(model, names);
         std::ostringstream text;
