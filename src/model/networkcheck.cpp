@@ -49,6 +49,7 @@ public:
         nothingYet = true;
         section = Section();
         locationLines.clear();
+        valueLines.clear();
         transitions.clear();
         locationNames.clear();
         locationsLost = false;
@@ -85,7 +86,10 @@ public:
             warn(inQuotes(behind) + " behind \"valuation\" is not read");
         }
     }
-    void value(uint l) { section.addValue(l, lines.number); }
+    void value(uint l) {
+        section.addValue(l, lines.number);
+        valueLines.emplace_back(l, lines.number);
+    }
     void prop(uint l, uint p) {
         section.addProp(l, p);
         carried.insert(p);
@@ -196,6 +200,7 @@ private:
     bool skipBlankLines(const std::string& fault);
     bool mendBody(const std::string& fault);
     bool mendBareEnd(const std::string& fault);
+    void tell(const std::vector<Fault>& faults);
     void checkReach();
 
     std::istringstream& in;
@@ -217,6 +222,7 @@ private:
     bool nothingYet = true; // whether it has no declaration so far
     Section section;
     std::vector<std::pair<uint, long>> locationLines;
+    std::vector<std::pair<uint, long>> valueLines;
     std::vector<std::pair<Transition, long>> transitions;
     std::map<uint, Name> locationNames;
     bool locationsLost = false;
@@ -352,15 +358,32 @@ void NetworkChecker::disorder(std::string_view message) {
 void NetworkChecker::closed() {
     section.sort();
     const std::vector<Fault> faults = section.faults(lines.number);
-    if (!locationsLost) {
-        for (const Fault& fault : faults) {
-            findings.error(fault.line,
-                           "automaton " + std::to_string(automaton) + ": " + fault.text);
-        }
-    }
+    if (!locationsLost) tell(faults);
     if (!faults.empty()) return;
     for (std::size_t power = 1; power < section.locations.size(); power *= 2) ++bits;
     if (!locationsLost && !transitionsLost) checkReach();
+}
+
+/// Tells the faults of a section, and of undeclared locations each line that names one.
+void NetworkChecker::tell(const std::vector<Fault>& faults) {
+    std::set<std::pair<long, std::string>> told;
+    const auto tellOnce = [&](const Fault& fault) {
+        if (!told.emplace(fault.line, fault.text).second) return;
+        findings.error(fault.line, "automaton " + std::to_string(automaton) + ": " + fault.text);
+    };
+    const auto named = [&](uint l, long line) {
+        const auto& declared = section.locations;
+        if (!std::binary_search(declared.begin(), declared.end(), l)) {
+            tellOnce(undeclared(l, line));
+        }
+    };
+    for (const Fault& fault : faults) tellOnce(fault);
+    if (faults.empty() || section.locations.empty()) return;
+    for (const auto& [t, line] : transitions) {
+        named(t.source, line);
+        named(t.target, line);
+    }
+    for (const auto& [l, line] : valueLines) named(l, line);
 }
 
 /// Graph search from location 0.

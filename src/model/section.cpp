@@ -10,11 +10,11 @@ void sortUnique(std::vector<T>& v) {
     v.erase(std::unique(v.begin(), v.end()), v.end());
 }
 
+} // namespace
+
 Fault undeclared(unsigned int location, long line) {
     return {line, "location " + std::to_string(location) + " is not declared"};
 }
-
-} // namespace
 
 void Section::addTransition(const Transition& t, long line) {
     transitions.push_back(t);

@@ -15,6 +15,9 @@ struct Fault {
     std::string text;
 };
 
+/// The fault of a line that names a location without a declaration.
+[[nodiscard]] Fault undeclared(unsigned int location, long line);
+
 class Section {
 public:
     void addLocation(unsigned int l) { locations.push_back(l); }
