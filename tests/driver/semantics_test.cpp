@@ -101,11 +101,13 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         ASSERT_EQ(scratch.run("$T" + arguments), 0);
         const bool reachable = search(transitions, k);
         satisfiable += reachable ? 1 : 0;
-        ASSERT_EQ(scratch.run("\"$D\"/tervoxal-aiger net form >question.aig && "
-                              "berkeley-abc -c 'read_aiger question.aig; pdr'"),
-                  0);
-        const char* const answer = searchAll(transitions) ? "asserted in frame" : "Property proved";
-        EXPECT_NE(scratch.read("stdout").find(answer), std::string::npos) << answer;
+        ASSERT_EQ(scratch.run("$D/tervoxal-aiger net form >question.aig"), 0);
+        if (scratch.run("command -v berkeley-abc") == 0) { // not each release of Debian has it
+            ASSERT_EQ(scratch.run("berkeley-abc -c 'read_aiger question.aig; pdr'"), 0);
+            const char* const answer =
+                searchAll(transitions) ? "asserted in frame" : "Property proved";
+            EXPECT_NE(scratch.read("stdout").find(answer), std::string::npos) << answer;
+        }
         // One solver prefers true variables, the other one false ones.
         for (const char* solve :
              {"cadical -q --strict netk*.cnf >model", "minisat netk*.cnf model"}) {
