@@ -24,6 +24,15 @@
 
 namespace {
 
+// The place in the document. Later versions of expat deprecate counts of unknown width.
+#ifdef EXPAT_COUNTS_IN_64_BITS
+unsigned long lineOf(XML_Parser parser) { return XML_GetCurrentLineNumber64(parser); }
+unsigned long columnOf(XML_Parser parser) { return XML_GetCurrentColumnNumber64(parser); }
+#else
+unsigned long lineOf(XML_Parser parser) { return XML_GetCurrentLineNumber(parser); }
+unsigned long columnOf(XML_Parser parser) { return XML_GetCurrentColumnNumber(parser); }
+#endif
+
 /// What an open element is to the reader.
 enum class Element : unsigned char {
     document,
@@ -170,7 +179,7 @@ private:
 
     /// Ends the reading. The first fault is the one that is told.
     void refuse(const std::string& what);
-    [[nodiscard]] unsigned long line() const { return XML_GetCurrentLineNumber(parser.get()); }
+    [[nodiscard]] unsigned long line() const { return lineOf(parser.get()); }
 
     const std::string* file;
     NetDraft* draft;
@@ -217,7 +226,7 @@ void Reader::read() {
         if (in.bad() || (in.fail() && !last)) error(*file + ": cannot be read");
         const auto got = static_cast<int>(in.gcount());
         if (XML_ParseBuffer(parser.get(), got, last) != XML_STATUS_OK) {
-            const auto column = XML_GetCurrentColumnNumber(parser.get()) + 1;
+            const auto column = columnOf(parser.get()) + 1;
             refuse("column " + std::to_string(column) + ": " +
                    XML_ErrorString(XML_GetErrorCode(parser.get())));
         }
