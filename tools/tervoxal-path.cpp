@@ -7,7 +7,6 @@
 #include "lines.h"
 #include "names.h"
 #include "path.h"
-#include "picture.h"
 #include "report.h"
 #include "sidefile.h"
 #include "transitions.h"
@@ -16,7 +15,6 @@
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
-#include <map>
 #include <string>
 
 namespace {
@@ -40,18 +38,6 @@ const Command command{
     3,
     4};
 
-using Show = void (*)(std::ostream& out, const Walk& walk, const Names& names,
-                      const Subject& subject);
-
-Show formatOf(const CommandLine& line) {
-    const std::map<std::string, Show> formats = {
-        {"text", showText}, {"json", showJson}, {"vcd", showVcd}, {"dot", drawPath}};
-    const std::string format = line.value("format", "text");
-    const auto found = formats.find(format);
-    if (found == formats.end()) line.misused("unknown format '" + format + "'");
-    return found->second;
-}
-
 Answer answerOf(const CommandLine& line) {
     if (line.operands.size() < 4 || line.operands[3] == "-") {
         return readAnswer(std::cin, "standard input");
@@ -65,17 +51,21 @@ Answer answerOf(const CommandLine& line) {
 int main(int argc, char* argv[]) {
     const CommandLine line(command, argc, argv);
     std::ios::sync_with_stdio(false);
-    const Show show = formatOf(line);
-    const Subject subject{line.operands[0], line.operands[1]};
+    const std::string format = line.value("format", "text");
+    const Show show = showOf(format);
+    if (show == nullptr) line.misused("unknown format '" + format + "'");
+    const std::string& network = line.operands[0];
+    const std::string& formula = line.operands[1];
     const std::string& pathLen = line.operands[2];
     const int k = static_cast<int>(std::strtol(pathLen.c_str(), nullptr, 10));
     if (k <= 0) error("Length of path should be > 0");
 
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, subject.network);
-    model.readFormula(subject.formula);
-    const int maxVar = readSideFile(model, k, subject.network + "k" + pathLen);
+    readNamedNetwork(model, names, network);
+    model.readFormula(formula);
+    const Condition condition = conditionOf(*model.form);
+    const int maxVar = readSideFile(model, k, network + "k" + pathLen);
     const Answer answer = answerOf(line);
     if (answer.verdict == Verdict::unknown) {
         std::cerr << "the solver gave no answer\n";
@@ -89,8 +79,8 @@ int main(int argc, char* argv[]) {
 
     const Path path = decodePath(model, k, maxVar, answer.literals);
     const Transitions transitions(model);
-    const Walk walk(transitions, path);
+    const Walk walk(transitions, path, condition);
     replay(walk, names);
-    show(std::cout, walk, names, subject);
+    show(std::cout, {walk, names, network, formula});
     return finished(10);
 }

@@ -71,11 +71,11 @@ void showPosition(std::ostream& out, const Walk& walk) {
 
 } // namespace
 
-void showJson(std::ostream& out, const Walk& start, const Names& names, const Subject& subject) {
-    Walk walk = start;
-    out << "{\"network\":" << quoted(subject.network)
-        << ",\n\"formula\":" << quoted(subject.formula) << ",\n\"k\":" << walk.length() << ",\n";
-    showAutomata(out, walk.model(), names);
+void showJson(std::ostream& out, const Report& report) {
+    Walk walk = report.start;
+    out << "{\"network\":" << quoted(report.network) << ",\n\"formula\":" << quoted(report.formula)
+        << ",\n\"k\":" << walk.length() << ",\n";
+    showAutomata(out, walk.model(), report.names);
     out << "\"positions\":[\n";
     showPosition(out, walk);
     while (out && walk.step()) {

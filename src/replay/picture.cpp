@@ -1,6 +1,7 @@
 #include "picture.h"
 
 #include "readable.h"
+#include "report.h"
 
 #include <algorithm>
 #include <map>
@@ -167,8 +168,9 @@ void drawNetwork(std::ostream& out, const NetTimedModel& model, const Names& nam
     Picture(out, model, names, {}).show(title);
 }
 
-void drawPath(std::ostream& out, const Walk& start, const Names& names, const Subject& subject) {
-    const std::string title = subject.network + ", path of " + std::to_string(start.length()) +
-                              (start.length() == 1 ? " step" : " steps");
-    Picture(out, start.model(), names, traceOf(start)).show(title);
+void showDot(std::ostream& out, const Report& report) {
+    const int length = report.start.length();
+    const std::string title =
+        report.network + ", path of " + std::to_string(length) + (length == 1 ? " step" : " steps");
+    Picture(out, report.start.model(), report.names, traceOf(report.start)).show(title);
 }

@@ -4,14 +4,14 @@
 //
 // With a path on it, the locations that it comes to are filled, and the transitions that it takes
 // are bold and tell the numbers of their steps. Where several actions lead to a state, the least
-// one counts.
+// one counts. That picture is a report, showDot.
 //
 // Labels are valid UTF-8, whatever bytes the names have.
 
 #pragma once
 
 #include "names.h"
-#include "report.h"
+#include "ntamodel.h"
 
 #include <ostream>
 #include <string>
@@ -19,5 +19,3 @@
 /// Draws a network that is read and laid out.
 void drawNetwork(std::ostream& out, const NetTimedModel& model, const Names& names,
                  const std::string& title);
-/// Draws the path of a walk at position 0 on its network, one more report about it.
-void drawPath(std::ostream& out, const Walk& start, const Names& names, const Subject& subject);

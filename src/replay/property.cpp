@@ -1,29 +1,31 @@
 #include "property.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <map>
 
-Property::Property(const NetTimedModel& model) {
-    refuseWithoutValue(model.form->onp);
-    std::map<uint, uint> indices;
-    for (const OnpNode& token : model.form->onp) {
-        if (token.op > OpDis) {
-            program.clear();
-            return;
+Property::Property(const NetTimedModel& model, Condition asked) : condition(std::move(asked)) {
+    using Term = Condition::Term;
+    std::map<uint, uint> props;
+    std::map<NetTimedModel::Location, uint> locations;
+    for (Condition::Token& token : condition.tokens) {
+        const auto next = static_cast<uint>(props.size() + locations.size());
+        if (token.term == Term::prop) {
+            token.number = props.try_emplace(token.number, next).first->second;
+        } else if (token.term == Term::at) {
+            const NetTimedModel::Location location(token.number, token.location);
+            token.number = locations.try_emplace(location, next).first->second;
         }
-        const bool named = token.op == OpVar || token.op == OpNegVar;
-        uint prop = 0;
-        if (named) {
-            const auto next = static_cast<uint>(indices.size());
-            prop = indices.try_emplace(static_cast<uint>(token.varNr), next).first->second;
-        }
-        program.push_back({token.op, prop});
     }
-    carriers.resize(indices.size());
+    carriers.resize(props.size() + locations.size());
     for (const auto& [location, number] : model.valuation) {
-        const auto named = indices.find(number);
-        if (named == indices.end()) continue;
-        carried.emplace_back(location, named->second);
-        if (location.second == 0) ++carriers[named->second];
+        const auto named = props.find(number);
+        if (named != props.end()) carried.emplace_back(location, named->second);
+    }
+    carried.insert(carried.end(), locations.begin(), locations.end());
+    std::sort(carried.begin(), carried.end());
+    for (const auto& [location, atom] : carried) {
+        if (location.second == 0) ++carriers[atom];
     }
 }
 
@@ -37,30 +39,31 @@ void Property::change(const Change& change) {
     forEach(change.target, [&](uint& count) { stale = count++ == 0 || stale; });
 }
 
-bool Property::evaluated() const {
-    std::vector<bool> values;
-    for (const Token& token : program) {
-        if (token.op == OpTrue) {
-            values.push_back(true);
-        } else if (token.op <= OpNegVar) {
-            values.push_back((carriers[token.prop] > 0) == (token.op == OpVar));
-        } else {
-            const bool right = values.back();
-            values.pop_back();
-            values.back() = token.op == OpCon ? values.back() && right : values.back() || right;
-        }
+namespace {
+
+/// Truth values over counts of carriers.
+struct Truth {
+    const std::vector<uint>& carriers;
+
+    static bool constant(bool value) { return value; }
+    [[nodiscard]] bool atom(const Condition::Token& token) const {
+        return carriers[token.number] > 0;
     }
-    return !values.empty() && values.back();
-}
+    static bool negation(bool a) { return !a; }
+    static bool conjunction(bool a, bool b) { return a && b; }
+    static bool disjunction(bool a, bool b) { return a || b; }
+};
+
+} // namespace
 
 bool Property::holds() {
-    if (stale) value = evaluated();
+    if (stale) value = valueOf(condition, Truth{carriers});
     stale = false;
     return value;
 }
 
-bool holds(const NetTimedModel& model, const State& state) {
-    Property property(model);
+bool holds(const NetTimedModel& model, const Condition& condition, const State& state) {
+    Property property(model, condition);
     for (uint a = 1; a < state.size(); ++a) property.change({a, 0, state[a]});
     return property.holds();
 }

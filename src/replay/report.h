@@ -1,6 +1,6 @@
-// A path as people and programs read it: as text, as JSON, as a waveform. Each report starts at
-// position 0, writes as it goes and stops early if the stream fails. None of them judges the path:
-// replay has to come first.
+// A path as people and programs read it: as text, as JSON, as a waveform, as a picture. Each report
+// starts at position 0, writes as it goes and stops early if the stream fails. None of them judges
+// the path: replay has to come first. All are UTF-8, whatever bytes the names have.
 
 #pragma once
 
@@ -10,16 +10,25 @@
 #include <ostream>
 #include <string>
 
-/// What the run was called with, for the headings.
-struct Subject {
-    std::string network;
+/// What is shown of a path.
+struct Report {
+    const Walk& start; // at position 0
+    const Names& names;
+    std::string network; // what the command was called with, for the headings
     std::string formula;
 };
 
-/// One block for each step, with the states before the first and after the last. UTF-8, whatever
-/// bytes the names have, and so are the others.
-void showText(std::ostream& out, const Walk& start, const Names& names, const Subject& subject);
+/// Writes a report of one format.
+using Show = void (*)(std::ostream& out, const Report& report);
+
+/// One block for each step, with the states before the first and after the last.
+void showText(std::ostream& out, const Report& report);
 /// One JSON object (RFC 8259), a line for each automaton and each position.
-void showJson(std::ostream& out, const Walk& start, const Names& names, const Subject& subject);
+void showJson(std::ostream& out, const Report& report);
 /// A value change dump (IEEE 1364) with strings as GTKWave has them. Time is the position.
-void showVcd(std::ostream& out, const Walk& start, const Names& names, const Subject& subject);
+void showVcd(std::ostream& out, const Report& report);
+/// The network as a picture with the path on it, in DOT.
+void showDot(std::ostream& out, const Report& report);
+
+/// The writer of the format of that name: text, json, vcd or dot. Null for another name.
+[[nodiscard]] Show showOf(const std::string& format);

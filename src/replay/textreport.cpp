@@ -41,11 +41,12 @@ void showStep(std::ostream& out, const Walk& walk, const Names& names) {
 
 } // namespace
 
-void showText(std::ostream& out, const Walk& start, const Names& names, const Subject& subject) {
-    Walk walk = start;
-    out << readable(subject.network) << ", " << walk.length()
+void showText(std::ostream& out, const Report& report) {
+    const Names& names = report.names;
+    Walk walk = report.start;
+    out << readable(report.network) << ", " << walk.length()
         << (walk.length() == 1 ? " step" : " steps") << "; * marks where "
-        << readable(subject.formula) << " holds\n\n";
+        << readable(report.formula) << " holds\n\n";
     showState(out, walk, names);
     out << '\n';
     while (out && walk.step()) showStep(out, walk, names);

@@ -59,21 +59,21 @@ enum Signal : std::size_t { holdsSignal, actionSignal, nameSignal, firstLocation
 std::string locationCode(uint a) { return code(firstLocation + 2 * (a - 1UL)); }
 std::string nameCode(uint a) { return code(firstLocation + 2 * (a - 1UL) + 1); }
 
-void showHeader(std::ostream& out, const NetTimedModel& model, const Names& names,
-                const Subject& subject) {
+void showHeader(std::ostream& out, const Report& report) {
+    const NetTimedModel& model = report.start.model();
     const auto variable = [&](std::string_view kind, int width, const std::string& id,
                               std::string_view name) {
         out << "$var " << kind << ' ' << width << ' ' << id << ' ' << name << " $end\n";
     };
     ScopeNames scopes;
     out << "$timescale 1 ns $end\n"
-        << "$scope module "
-        << scopes.next(subject.network.substr(subject.network.rfind('/') + 1), 0) << " $end\n";
+        << "$scope module " << scopes.next(report.network.substr(report.network.rfind('/') + 1), 0)
+        << " $end\n";
     variable("wire", 1, code(holdsSignal), "holds");
     variable("wire", 31, code(actionSignal), "action");
     variable("string", 1, code(nameSignal), "action_name");
     for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
-        out << "$scope module " << scopes.next(names.automaton(a), a) << " $end\n";
+        out << "$scope module " << scopes.next(report.names.automaton(a), a) << " $end\n";
         variable("wire", std::max(1, model.nrOfBits[a]), locationCode(a), "location");
         variable("string", 1, nameCode(a), "name");
         out << "$upscope $end\n";
@@ -90,9 +90,10 @@ void showLocation(std::ostream& out, const Walk& walk, const Names& names, uint 
 
 } // namespace
 
-void showVcd(std::ostream& out, const Walk& start, const Names& names, const Subject& subject) {
-    Walk walk = start;
-    showHeader(out, walk.model(), names, subject);
+void showVcd(std::ostream& out, const Report& report) {
+    const Names& names = report.names;
+    Walk walk = report.start;
+    showHeader(out, report);
     bool held = walk.holds();
     uint latest = 0;
     out << "#0\n$dumpvars\n"

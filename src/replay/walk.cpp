@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <string>
 
-Walk::Walk(const Transitions& transitions, const Path& path)
-    : steps(&transitions), path(&path), property(transitions.model), before(path.first),
+Walk::Walk(const Transitions& transitions, const Path& path, const Condition& condition)
+    : steps(&transitions), path(&path), property(transitions.model, condition), before(path.first),
       now(path.first) {
     for (uint a = 1; a < now.size(); ++a) {
         if (now[a] != 0) property.change({a, 0, now[a]});

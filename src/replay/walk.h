@@ -1,5 +1,5 @@
 // A walk along a path on its network: at each position the state, how the walk came there and
-// whether the formula holds. A copy goes on from the same position on its own.
+// whether the condition holds. A copy goes on from the same position on its own.
 
 #pragma once
 
@@ -13,9 +13,8 @@
 
 class Walk {
 public:
-    /// At position 0. The transitions and the path must outlive the walk and its copies, and the
-    /// model of the transitions has a formula. Ends the process like Property.
-    Walk(const Transitions& transitions, const Path& path);
+    /// At position 0. The transitions and the path must outlive the walk and its copies.
+    Walk(const Transitions& transitions, const Path& path, const Condition& condition);
 
     /// Goes to the next position, false at the last one. Takes time for what changes, not for the
     /// whole state.

@@ -16,13 +16,14 @@ namespace {
 /// Whether some run of exactly k steps from the initial state meets the formula.
 bool search(const Transitions& transitions, std::size_t k) {
     const NetTimedModel& model = transitions.model;
+    const Condition condition = conditionOf(*model.form);
     const State initial = initialState(model);
-    std::set<std::pair<bool, State>> layer = {{holds(model, initial), initial}};
+    std::set<std::pair<bool, State>> layer = {{holds(model, condition, initial), initial}};
     for (; k > 0; --k) {
         std::set<std::pair<bool, State>> next;
         for (const auto& [met, state] : layer) {
             for (const State& s : transitions.successors(state))
-                next.emplace(met || holds(model, s), s);
+                next.emplace(met || holds(model, condition, s), s);
         }
         layer.swap(next);
     }
@@ -32,11 +33,12 @@ bool search(const Transitions& transitions, std::size_t k) {
 /// Whether a run of any length meets the formula.
 bool searchAll(const Transitions& transitions) {
     const NetTimedModel& model = transitions.model;
+    const Condition condition = conditionOf(*model.form);
     std::set<State> seen = {initialState(model)};
     for (std::vector<State> open = {*seen.begin()}; !open.empty();) {
         const State state = open.back();
         open.pop_back();
-        if (holds(model, state)) return true;
+        if (holds(model, condition, state)) return true;
         for (const State& s : transitions.successors(state)) {
             if (seen.insert(s).second) open.push_back(s);
         }

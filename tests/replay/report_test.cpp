@@ -188,7 +188,7 @@ TEST(Report, isValidWhateverBytesTheNamesHave) {
         std::vector<std::string> texts = {"network"};
         const std::string network = randomName(random, texts);
         texts.emplace_back("formula");
-        const Subject subject{network, randomName(random, texts)};
+        const std::string formula = randomName(random, texts);
         texts.insert(texts.end(), {"k", "automata"});
         Names names;
         for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
@@ -222,10 +222,10 @@ TEST(Report, isValidWhateverBytesTheNamesHave) {
             }
         }
         const Transitions transitions(model);
-        const Walk walk(transitions, path);
+        const Walk walk(transitions, path, conditionOf(*model.form));
         const auto report = [&](auto show) {
             std::ostringstream out;
-            show(out, walk, names, subject);
+            show(out, {walk, names, network, formula});
             return out.str();
         };
         const Json json(report(showJson));
@@ -239,7 +239,7 @@ TEST(Report, isValidWhateverBytesTheNamesHave) {
         EXPECT_TRUE(isReadable(report(showText))) << report(showText);
         EXPECT_TRUE(isReadable(report(showVcd))) << report(showVcd);
         EXPECT_EQ(wave(report(showVcd), states.front().size() - 1), states) << report(showVcd);
-        const std::string picture = report(drawPath);
+        const std::string picture = report(showDot);
         EXPECT_TRUE(isReadable(picture) && quotesMatch(picture)) << picture;
     }
 }

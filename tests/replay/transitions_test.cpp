@@ -93,7 +93,8 @@ TEST(Property, followsTheStateStepByStep) {
     int met = 0;
     forNetworks(6, [&](const NetTimedModel& model, Random& random, const std::string& formula) {
         SCOPED_TRACE(formula);
-        Property property(model);
+        const Condition condition = conditionOf(*model.form);
+        Property property(model, condition);
         State state = initialState(model);
         for (int i = 0; i < 200; ++i) {
             if (state.size() > 1) {
@@ -107,7 +108,7 @@ TEST(Property, followsTheStateStepByStep) {
             if (random() % 3 > 0) {
                 EXPECT_EQ(property.holds(), expected) << list(state);
             }
-            EXPECT_EQ(holds(model, state), expected) << list(state);
+            EXPECT_EQ(holds(model, condition, state), expected) << list(state);
         }
     });
     EXPECT_NEAR(met, 30000, 25000);

@@ -1,0 +1,10 @@
+#include "report.h"
+
+#include <map>
+
+Show showOf(const std::string& format) {
+    const std::map<std::string, Show> formats = {
+        {"text", showText}, {"json", showJson}, {"vcd", showVcd}, {"dot", showDot}};
+    const auto found = formats.find(format);
+    return found == formats.end() ? nullptr : found->second;
+}
