@@ -2,7 +2,7 @@
 
 #include "aut.h"
 #include "command.h"
-#include "error.h"
+#include "fatal.h"
 #include "message.h"
 #include "petrinet.h"
 #include "pnml.h"

@@ -3,7 +3,7 @@
 
 #include "answer.h"
 #include "command.h"
-#include "error.h"
+#include "fatal.h"
 #include "lines.h"
 #include "names.h"
 #include "path.h"

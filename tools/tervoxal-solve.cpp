@@ -3,7 +3,7 @@
 #include "children.h"
 #include "command.h"
 #include "directories.h"
-#include "error.h"
+#include "fatal.h"
 #include "lines.h"
 #include "outputfile.h"
 #include "proof.h"

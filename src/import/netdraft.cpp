@@ -1,6 +1,6 @@
 #include "netdraft.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "message.h"
 
 #include <algorithm>

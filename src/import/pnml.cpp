@@ -1,6 +1,6 @@
 #include "pnml.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "lines.h"
 #include "message.h"
 #include "netdraft.h"

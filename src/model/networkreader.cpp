@@ -4,7 +4,7 @@
 #include "ntamodel.h"
 #include "section.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "lines.h"
 
 #include <algorithm>

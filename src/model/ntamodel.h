@@ -16,7 +16,7 @@
 
 #include "boolformvect.h"
 #include "ectlform.h"
-#include "error.h"
+#include "fatal.h"
 #include "symstate.h"
 
 #include <fstream>

@@ -1,6 +1,6 @@
 #include "directories.h"
 
-#include "error.h"
+#include "fatal.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "answer.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "readable.h"
 #include "scanner.h"
 

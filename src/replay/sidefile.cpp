@@ -1,6 +1,6 @@
 #include "sidefile.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "lines.h"
 #include "scanner.h"
 

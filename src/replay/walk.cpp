@@ -1,6 +1,6 @@
 #include "walk.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "readable.h"
 
 #include <algorithm>

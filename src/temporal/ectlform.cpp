@@ -1,6 +1,6 @@
 #include "ectlform.h"
 
-#include "error.h"
+#include "fatal.h"
 
 #include <algorithm>
 #include <array>

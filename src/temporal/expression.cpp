@@ -1,6 +1,6 @@
 #include "expression.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "nearest.h"
 #include "readable.h"
 #include "scanner.h"

@@ -1,6 +1,6 @@
 #include "command.h"
 
-#include "error.h"
+#include "fatal.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,6 +1,6 @@
 #include "lines.h"
 
-#include "error.h"
+#include "fatal.h"
 
 #include <filesystem>
 #include <system_error>

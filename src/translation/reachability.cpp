@@ -1,6 +1,6 @@
 #include "reachability.h"
 
-#include "error.h"
+#include "fatal.h"
 #include "tectltran.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "error.h"
+#include "fatal.h"
 
 #include <cstdlib>
 #include <iostream>
