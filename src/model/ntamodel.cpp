@@ -12,20 +12,6 @@ void NetTimedModel::readFormula(std::string name) {
     Lines lines(in);
     if (!lines.next()) error("formula: end of file before the formula");
     form = std::make_unique<EctlForm>(lines.text);
-
-    carriers.clear();
-    for (const OnpNode& token : form->onp) {
-        if (token.op != OpVar && token.op != OpNegVar) continue;
-        carriers.try_emplace(static_cast<uint>(token.varNr));
-    }
-    std::set<uint> always;
-    for (const auto& [location, prop] : valuation) {
-        const auto named = carriers.find(prop);
-        if (named == carriers.end()) continue;
-        // A carrier without bits makes its proposition true; a second one would add nothing.
-        const bool noBits = location.first < nrOfBits.size() && nrOfBits[location.first] == 0;
-        if (!noBits || always.insert(prop).second) named->second.push_back(location);
-    }
 }
 
 void NetTimedModel::compNrOfBits(int /*k*/) {
@@ -64,6 +50,8 @@ BoolFormVect NetTimedModel::bev(int value, int shift) const {
 }
 
 BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
+    if (actionAutomata.empty()) return BoolForm(false);
+    for (const SymState* s : {&s2, &s1}) (void)bef(0, 0, s->loc); // true, or its assertion
     return Step(*this).formula(s1, s2);
 }
 
@@ -77,17 +65,10 @@ BoolForm NetTimedModel::fI(int loc, const SymState& s) const { return properInit
 
 BoolForm NetTimedModel::fP(int prop, const SymState& s) const {
     BoolForm r(false);
-    const auto add = [&](const Location& location) {
+    for (const auto& [location, carried] : valuation) {
+        if (carried != static_cast<uint>(prop)) continue;
         const auto& [a, l] = location;
         r = dis(r, bef(static_cast<int>(a), static_cast<int>(l), s.loc));
-    };
-    const auto named = carriers.find(static_cast<uint>(prop));
-    if (named != carriers.end()) {
-        for (const Location& location : named->second) add(location);
-    } else {
-        for (const auto& [location, carried] : valuation) {
-            if (carried == static_cast<uint>(prop)) add(location);
-        }
     }
     return r;
 }

@@ -59,7 +59,8 @@ public:
     /// The state on the variables from start upward.
     [[nodiscard]] SymState genSymState(int start, int pos) const;
 
-    /// Automaton a, from 1 to nrOfAutomata, is in location l in the state of bits loc.
+    /// Automaton a, from 1 to nrOfAutomata, is in location l in the state of bits loc. The
+    /// placeholder 0 has no bits and is in all locations.
     /// Precondition, asserted: loc has totalNrVertBits bits.
     [[nodiscard]] BoolForm bef(int a, int l, const BoolFormVect& loc) const;
     /// A state of constant bits that hold value from index shift, 0 or more, upward. Precondition,
@@ -67,16 +68,16 @@ public:
     [[nodiscard]] BoolFormVect bev(int value, int shift) const;
 
     /// s2 follows s1 by one step of the network: one action, all its automata together, every other
-    /// automaton stays. The number of the step has no effect. Precondition, asserted: both states
-    /// have totalNrVertBits bits. Lays out a Step of its own, so a path takes one for all its
-    /// steps.
+    /// automaton stays. False without any transition. The number of the step has no effect.
+    /// Precondition, asserted by bef where there is a transition: both states have totalNrVertBits
+    /// bits. Lays out a Step of its own, so a path takes one for all its steps.
     [[nodiscard]] BoolForm actionSucc(int step, const SymState& s1, const SymState& s2) const;
     /// Every automaton is in location loc in s.
     [[nodiscard]] BoolForm properInitState(int loc, const SymState& s) const;
     /// The same as properInitState.
     [[nodiscard]] BoolForm fI(int loc, const SymState& s) const;
     /// Some automaton is in a location that carries proposition prop in s. Walks the whole
-    /// valuation for a proposition that the formula does not name.
+    /// valuation, so a path lays it out once for all its positions (evaluation.h).
     [[nodiscard]] BoolForm fP(int prop, const SymState& s) const;
     /// The same as actionSucc.
     [[nodiscard]] BoolForm fT(const SymState& s1, const SymState& s2) const;
@@ -101,9 +102,4 @@ public:
     std::map<LocalAction, std::set<Move>> actionEdges;
     std::unique_ptr<EctlForm> form; // null until readFormula
     std::set<std::pair<Location, uint>> valuation;
-
-private:
-    /// The locations of each proposition that the formula names, ascending. What it does not name
-    /// costs nothing at any position.
-    std::map<uint, std::vector<Location>> carriers;
 };

@@ -43,8 +43,8 @@ struct Condition {
     std::vector<Token> tokens;
 };
 
-/// What a formula asks of a state; one with a temporal operator is false. Ends the process like
-/// refuseWithoutValue.
+/// What a formula asks of a state. One with a temporal operator is false, and keeps what stands
+/// ahead of the first. Ends the process like refuseWithoutValue.
 [[nodiscard]] Condition conditionOf(const EctlForm& form);
 
 /// The value of a condition, in one pass. The algebra has constant(bool), atom(token) for the

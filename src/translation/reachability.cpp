@@ -1,7 +1,7 @@
 #include "reachability.h"
 
+#include "evaluation.h"
 #include "fatal.h"
-#include "tectltran.h"
 
 #include <cstddef>
 #include <set>
@@ -32,19 +32,19 @@ Circuit reachability(const NetTimedModel& model, const Names& names) {
         error("a step needs " + std::to_string(2L * bits) + " variables, the limit is " +
               std::to_string(BoolForm::maxVariable - 1));
     }
-    EctlTransl translator(model, 1);
-    translator.states = {translator.genSymState(0), translator.genSymState(1)};
-    const BoolForm holds = translator.transl(*model.form, 0);
-    const BoolForm step = model.actionSucc(1, translator.states[0], translator.states[1]);
-    const BoolForm wrong(translator.getStartNr(2));
+    const SymState state = model.genSymState(1, 0);
+    const SymState nextState = model.genSymState(1 + bits, 1);
+    const BoolForm holds = Evaluation(model, conditionOf(*model.form)).value(state);
+    const BoolForm step = model.actionSucc(1, state, nextState);
+    const BoolForm wrong(1 + 2 * bits);
 
     Circuit circuit;
     const std::vector<std::string> symbols = bitNames(model, names);
     for (int i = 0; i < bits; ++i) {
         const std::string& symbol = symbols[static_cast<std::size_t>(i)];
-        const BoolForm next = translator.states[1].loc[i];
+        const BoolForm next = nextState.loc[i];
         circuit.inputs.push_back({next.nr, symbol + '\''});
-        circuit.latches.push_back({translator.states[0].loc[i].nr, next, symbol});
+        circuit.latches.push_back({state.loc[i].nr, next, symbol});
     }
     circuit.latches.push_back({wrong.nr, dis(wrong, neg(step)), "a wrong step"});
     circuit.outputs.push_back({con(neg(wrong), holds), "reached"});

@@ -1,5 +1,6 @@
 #include "tectltran.h"
 
+#include "evaluation.h"
 #include "outputfile.h"
 #include "step.h"
 
@@ -7,85 +8,39 @@
 #include <cassert>
 #include <ctime>
 #include <iostream>
-#include <map>
 
 namespace {
 
 constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
 
-/// Evaluates formulas at one state. Keeps what a proposition is there, so each is built once,
-/// however often it is named.
-class Evaluator {
-public:
-    Evaluator(const NetTimedModel& model, const SymState& state) : model(model), state(state) {}
-
-    /// Of a program that is not refused.
-    BoolForm value(const std::vector<OnpNode>& program) {
-        for (const OnpNode& token : program) {
-            if (token.op <= OpNegVar) {
-                push(leaf(token.op, token.varNr));
-            } else if (token.op <= OpDis) {
-                const BoolForm right = pop();
-                const BoolForm left = pop();
-                push(combined(token.op, left, right));
-            } else {
-                return BoolForm(false);
-            }
+/// The tree under root, right operands ahead of left ones. It makes no difference to con and dis
+/// which operand is first.
+Condition conditionOf(const Node* root) {
+    using Term = Condition::Term;
+    // Operators ahead of operands, left ahead of right, and turned around at the end.
+    std::vector<Condition::Token> tokens;
+    std::vector<const Node*> open = {root};
+    while (!open.empty()) {
+        const Node* const node = open.back();
+        open.pop_back();
+        switch (node == nullptr ? OpNone : node->op) {
+        case OpTrue: tokens.push_back({Term::truth}); break;
+        case OpVar:
+        case OpNegVar:
+            if (node->op == OpNegVar) tokens.push_back({Term::negation});
+            tokens.push_back({Term::prop, static_cast<uint>(node->varNr)});
+            break;
+        case OpCon:
+        case OpDis:
+            tokens.push_back({node->op == OpCon ? Term::conjunction : Term::disjunction});
+            open.push_back(node->right);
+            open.push_back(node->left);
+            break;
+        default: tokens.push_back({Term::falsity});
         }
-        return pop();
     }
-
-    BoolForm value(const Node* root) {
-        // Operators before operands, left before right; walked backwards, the right operand is
-        // built first and the operator last.
-        std::vector<const Node*> order;
-        std::vector<const Node*> open = {root};
-        while (!open.empty()) {
-            const Node* const node = open.back();
-            open.pop_back();
-            order.push_back(node);
-            if (node != nullptr && (node->op == OpCon || node->op == OpDis)) {
-                open.push_back(node->right);
-                open.push_back(node->left);
-            }
-        }
-        for (auto node = order.rbegin(); node != order.rend(); ++node) {
-            const EctlOper op = *node == nullptr ? OpNone : (*node)->op;
-            if (op <= OpNegVar) {
-                push(leaf(op, (*node)->varNr));
-            } else if (op <= OpDis) {
-                const BoolForm left = pop();
-                const BoolForm right = pop();
-                push(combined(op, left, right));
-            } else {
-                push(BoolForm(false));
-            }
-        }
-        return pop();
-    }
-
-private:
-    void push(const BoolForm& f) { stack.push_back(f); }
-    BoolForm pop() {
-        const BoolForm top = stack.back();
-        stack.pop_back();
-        return top;
-    }
-    BoolForm leaf(EctlOper op, int varNr) {
-        if (op == OpTrue) return BoolForm(true);
-        const auto [known, first] = props.try_emplace(varNr, false);
-        if (first) known->second = model.fP(varNr, state);
-        return op == OpVar ? known->second : neg(known->second);
-    }
-    static BoolForm combined(EctlOper op, const BoolForm& left, const BoolForm& right) {
-        return op == OpCon ? con(left, right) : dis(left, right);
-    }
-
-    const NetTimedModel& model;
-    const SymState& state;
-    std::vector<BoolForm> stack;
-    std::map<int, BoolForm> props;
-};
+    return {{tokens.rbegin(), tokens.rend()}};
+}
 
 std::size_t nodes() { return BoolForm::tv.size(); }
 
@@ -104,33 +59,34 @@ int EctlTransl::getStartNr(int i) const { return 1 + i * model.getSymStateLen(i)
 SymState EctlTransl::genSymState(int i) const { return model.genSymState(getStartNr(i), i); }
 
 const SymState& EctlTransl::state(int i) const {
+    assert(i >= 0 && !states.empty());
     return states[std::min(static_cast<std::size_t>(i), states.size() - 1)];
 }
 
 BoolForm EctlTransl::symbPath() {
     assert((k + 1L) * model.totalNrVertBits <= maxVariables);
     const auto positions = static_cast<int>(std::min<long>(k + 1L, BoolForm::maxVariable));
-    states.reserve(static_cast<std::size_t>(positions));
+    states.reserve(states.size() + static_cast<std::size_t>(positions));
     for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
 
     Step step(model);
-    BoolForm path = model.properInitState(0, states[0]);
-    for (std::size_t i = 0; i + 1 < states.size(); ++i) {
+    BoolForm path = model.properInitState(0, state(0));
+    for (int i = 0; i < k; ++i) {
         const std::size_t before = nodes();
-        const BoolForm next = step.formula(states[i], states[i + 1]);
+        const BoolForm next = step.formula(state(i), state(i + 1));
         path = con(path, next);
-        const std::size_t left = states.size() - 2 - i;
-        if (i == 1 && left > 0) BoolForm::reserve(expectedNodes(nodes() - before, left));
+        const auto left = static_cast<std::size_t>(k - 1 - i);
         if (model.totalNrVertBits == 0) break; // every step is the same constant
+        if (i == 1 && left > 0) BoolForm::reserve(expectedNodes(nodes() - before, left));
     }
     return path;
 }
 
 BoolForm EctlTransl::transl(const EctlForm& form) const {
-    refuseWithoutValue(form.onp);
+    Evaluation evaluation(model, conditionOf(form));
     BoolForm r(false);
-    for (const SymState& s : states) {
-        const BoolForm here = Evaluator(model, s).value(form.onp);
+    for (int i = 0; i <= k; ++i) {
+        const BoolForm here = evaluation.value(state(i));
         r = dis(r, here);
         if (model.totalNrVertBits == 0) break; // the same constant at every position
     }
@@ -139,12 +95,11 @@ BoolForm EctlTransl::transl(const EctlForm& form) const {
 }
 
 BoolForm EctlTransl::transl(const EctlForm& form, int i) const {
-    refuseWithoutValue(form.onp);
-    return Evaluator(model, state(i)).value(form.onp);
+    return Evaluation(model, conditionOf(form)).value(state(i));
 }
 
 BoolForm EctlTransl::transl(const Node* node, int i) const {
-    return Evaluator(model, state(i)).value(node);
+    return Evaluation(model, conditionOf(node)).value(state(i));
 }
 
 void EctlTransl::checkEctlFormula(std::string name) {

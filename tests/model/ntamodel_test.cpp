@@ -61,6 +61,7 @@ TEST(Step, createsTheNodesOfThePlainFormulaInTheirOrder) {
 
 TEST(Model, otherFormulas) {
     NetTimedModel model;
+    model.readFormula(EXAMPLES "/two-formula"); // neither needs the other
     read(model, EXAMPLES "/two");
     BoolForm::clear();
     const SymState s1 = model.genSymState(1, 0);
@@ -71,11 +72,18 @@ TEST(Model, otherFormulas) {
     EXPECT_EQ(model.fH(s1, s2), eq(s1.loc, s2.loc));
     EXPECT_EQ(model.fP(3, s2), BoolForm(4));
     EXPECT_EQ(model.fP(9, s2), BoolForm(false));
+    model.valuation.insert({{1, 0}, 3});
+    EXPECT_EQ(model.fP(3, s2), BoolForm(true));
     EXPECT_EQ(model.bef(2, 2, s1.loc), con(neg(BoolForm(2)), BoolForm(3)));
     EXPECT_EQ(model.bev(3, 1), BoolFormVect(s2.len, std::bitset<2048>(6)));
     EXPECT_DEATH((void)model.bev(1, 3), "bsLen \\+ shift <= len");
-    EXPECT_DEATH((void)model.bef(1, 0, BoolFormVect(4, 1)),
-                 "ntamodel.*NetTimedModel::bef.*loc.size\\(\\) == totalNrVertBits");
+    const char* const fault = "ntamodel.*NetTimedModel::bef.*loc.size\\(\\) == totalNrVertBits";
+    const SymState other(4, 1, 0);
+    EXPECT_DEATH((void)model.bef(1, 0, other.loc), fault);
+    EXPECT_DEATH((void)model.actionSucc(1, s1, other), fault);
+    EXPECT_DEATH((void)model.fT(other, s1), fault);
+    model.actionAutomata.clear();
+    EXPECT_EQ(model.actionSucc(1, s1, other), BoolForm(false));
 }
 
 } // namespace

@@ -20,8 +20,9 @@ TEST(Translation, ofListsAndTrees) {
     read(model, EXAMPLES "/two");
     EctlTransl t(model, 2);
     EXPECT_TRUE(t.states.empty());
-    (void)t.symbPath();
+    const BoolForm path = t.symbPath();
     ASSERT_EQ(t.states.size(), 3U);
+    EXPECT_EQ(t.symbPath(), path); // though the states are there twice
     EXPECT_EQ(t.states[2].loc, BoolFormVect(3, t.getStartNr(2)));
     checkTable("translations.tsv", [&](auto& text) {
         BoolForm::clear();
@@ -30,6 +31,8 @@ TEST(Translation, ofListsAndTrees) {
         return list + '\t' + storeText(tree(t, text));
     });
     EXPECT_EQ(tree(t, deepFormula()), t.transl(EctlForm(deepFormula()), 1));
+    const EctlForm p4("p4");
+    EXPECT_EQ(t.transl(p4), dis(dis(t.transl(p4, 0), t.transl(p4, 1)), t.transl(p4, 2)));
     EXPECT_EQ(t.transl(static_cast<Node*>(nullptr), 1), BoolForm(false));
     const EctlForm few = dis(EctlForm("E"), EctlForm("p1"));
     EXPECT_EXIT((void)t.transl(few), testing::ExitedWithCode(1),
