@@ -1,5 +1,6 @@
 #include "networkcheck.h"
 
+#include "carriagereturns.h"
 #include "filetext.h"
 #include "keywords.h"
 #include "ntamodel.h"
