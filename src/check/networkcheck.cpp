@@ -3,6 +3,7 @@
 #include "carriagereturns.h"
 #include "filetext.h"
 #include "keywords.h"
+#include "networkgrammar.h"
 #include "ntamodel.h"
 #include "readable.h"
 #include "section.h"
@@ -32,12 +33,10 @@ bool complete(const KeywordLine& line) {
     return !line.keyword.empty() && beginsWithDigit(behind);
 }
 
-/// Takes what the parser finds in a file, and goes on behind faults.
+/// Takes what the parser finds in a file, and goes on at the next automaton behind a fault.
 class NetworkChecker {
 public:
-    /// lines are those of in.
-    NetworkChecker(std::istringstream& in, Lines& lines, Findings& findings)
-        : in(in), lines(lines), findings(findings) {}
+    NetworkChecker(Lines& lines, Findings& findings) : lines(lines), findings(findings) {}
 
     void heading() {
         if (lines.text.starts_with(byteOrderMark)) {
@@ -45,24 +44,20 @@ public:
         }
         checkTitle("the heading");
     }
-    void title() {
+    void title(int number) {
+        automaton = number;
+        name = std::string(trimmed(lines.text));
         titleLine = lines.number;
-        nothingYet = true;
         section = Section();
         locationLines.clear();
         valueLines.clear();
         transitions.clear();
         locationNames.clear();
-        locationsLost = false;
-        transitionsLost = false;
-        ++automaton;
-        name = std::string(trimmed(lines.text));
         checkTitle("the title of automaton " + std::to_string(automaton));
     }
     void body() {}
     void location(uint l, const Scanner& behind) {
         checkKeyword("location");
-        nothingYet = false;
         section.addLocation(l);
         locationLines.emplace_back(l, lines.number);
         checkName(behind);
@@ -70,10 +65,8 @@ public:
     }
     void transition(const Transition& t, bool named, const Scanner& behind) {
         checkKeyword("transition");
-        nothingYet = false;
         section.addTransition(t, lines.number);
         transitions.emplace_back(t, lines.number);
-        if (refusedLine == lines.number) return;
         checkName(behind);
         if (named) {
             setName(actionNames, t.action, "action ", behind);
@@ -96,7 +89,6 @@ public:
         carried.insert(p);
     }
     void behindValue(uint l, const std::optional<uint>& p, const Scanner& behind) {
-        if (refusedLine == lines.number) return;
         checkName(behind);
         if (p) {
             setName(propNames, *p, "proposition ", behind);
@@ -108,7 +100,7 @@ public:
     }
     void ignored() {
         const std::string_view text = trimmed(lines.text);
-        if (text.empty() || refusedLine == lines.number) return;
+        if (text.empty()) return;
         if (text.front() == '#') return warn("a comment begins in the first column");
         const KeywordLine line = keywordLine(lines.text);
         const bool keyword = line.slip.empty() && !line.keyword.empty();
@@ -129,18 +121,10 @@ public:
              ", is not read");
     }
 
-    void refused(const std::string& message) {
-        const std::size_t keyword = keywordEnd();
-        const bool sticks = keyword > 0 && message.ends_with("missing") &&
-                            beginsWithDigit(std::string_view(lines.text).substr(keyword));
-        findings.error(std::max(lines.number, 1L),
-                       message + (sticks ? ", a blank is due ahead of the first one" : ""));
-        refusedLine = lines.number;
-        locationsLost = locationsLost || lines.text.starts_with("location");
-        transitionsLost = transitionsLost || lines.text.starts_with("transition");
+    bool refused(const NetworkFault& fault) {
+        findings.error(fault.line, text(fault) + cause(fault.kind));
+        return nextAutomaton(fault.kind);
     }
-    bool mend(std::string_view message);
-    void disorder(std::string_view message);
 
     /// The last word, at the end of the file.
     CheckedNetwork finished();
@@ -149,17 +133,11 @@ private:
     struct Name {
         std::string text;
         long line;
-        bool contested; // whether another one was given as well
     };
 
     void warn(const std::string& text) { findings.warn(lines.number, text); }
     [[nodiscard]] static std::string hint(const KeywordLine& line) {
         return line.slip.empty() ? "" : ": " + line.slip;
-    }
-    /// Where the keyword of the line ends, 0 if there is none.
-    [[nodiscard]] std::size_t keywordEnd() const {
-        const KeywordLine line = keywordLine(lines.text);
-        return line.slip.empty() ? line.keyword.size() : 0;
     }
     [[nodiscard]] std::string automatonText() const {
         return "automaton " + std::to_string(automaton) +
@@ -184,50 +162,41 @@ private:
     void setName(std::map<Key, Name>& names, Key key, const char* what, const Scanner& behind) {
         const std::string_view text = behind.rest();
         if (text.empty()) return;
-        const auto [place, first] = names.try_emplace(key, Name{{}, lines.number, false});
-        Name& given = place->second;
-        if (first) {
-            given.text = text;
-        } else if (given.text != text && !given.contested) {
-            given.contested = true;
-            warn(what + std::to_string(key) + " is named " + inQuotes(text) + " here and " +
-                 inQuotes(given.text) + " in line " + std::to_string(given.line) +
-                 ", the first name counts");
-        }
+        const Name& given = names.try_emplace(key, std::string(text), lines.number).first->second;
+        if (given.text == text) return;
+        warn(what + std::to_string(key) + " is named " + inQuotes(text) + " here and " +
+             inQuotes(given.text) + " in line " + std::to_string(given.line) +
+             ", the first name counts");
     }
-    /// The next significant line is one ahead of a valuation, or its beginning.
-    bool declarationIsNext();
-    /// Goes to the next line behind those that have nothing to say, false if there is none such.
-    bool skipBlankLines(const std::string& fault);
-    bool mendBody(const std::string& fault);
-    bool mendBareEnd(const std::string& fault);
-    void tell(const std::vector<Fault>& faults);
-    void checkReach();
+    [[nodiscard]] bool nothingDeclared() const {
+        return locationLines.empty() && transitions.empty();
+    }
+    /// What may have led to a fault in the current line, as the end of its text.
+    [[nodiscard]] std::string cause(NetworkFault::Kind kind) const;
+    /// Goes to the next title or closing line, false if there is none: behind two `end`s in a row,
+    /// unless a declaration follows, ahead of which one of them was too many.
+    bool nextAutomaton(NetworkFault::Kind kind);
+    void checkUndeclared(const NetworkFault& fault);
+    void checkReach(std::map<uint, std::vector<uint>> sources);
 
-    std::istringstream& in;
     Lines& lines;
     Findings& findings;
-    uint automaton = 0;
     long closingLine = 0;
-    long refusedLine = 0;
     long bits = 0; // of a state
     std::set<uint> carried;
     std::map<uint, Name> actionNames;
     std::map<uint, Name> propNames;
-    long carriageEnds = 0;
-    long carriageLine = 0;
+    std::map<uint, bool> possibleAtStart; // each action
 
     // The automaton that is read.
+    int automaton = 0;
     std::string name;
     long titleLine = 0;
-    bool nothingYet = true; // whether it has no declaration so far
     Section section;
     std::vector<std::pair<uint, long>> locationLines;
     std::vector<std::pair<uint, long>> valueLines;
     std::vector<std::pair<Transition, long>> transitions;
     std::map<uint, Name> locationNames;
-    bool locationsLost = false;
-    bool transitionsLost = false;
 };
 
 std::string NetworkChecker::listed(const std::vector<uint>& locations) const {
@@ -258,159 +227,107 @@ void NetworkChecker::checkTitle(const std::string& what) {
          (line.slip.empty() ? ", is there a line missing?" : hint(line)));
 }
 
-bool NetworkChecker::declarationIsNext() {
-    const auto here = in.tellg();
-    if (here == std::istringstream::pos_type(-1)) return false;
-    Lines ahead(in);
-    const bool more = ahead.next();
-    in.clear();
-    in.seekg(here);
-    if (!more) return false;
-    const KeywordLine line = keywordLine(ahead.text);
-    return line.keyword != "end" && line.slip.empty() && complete(line);
-}
-
-bool NetworkChecker::skipBlankLines(const std::string& fault) {
-    bool skipped = false;
-    while (!lines.text.empty()) {
-        const std::string_view text = trimmed(lines.text);
-        if (!text.empty() && text.front() != '#') break;
-        findings.error(lines.number,
-                       fault + (text.empty() ? ": a line of blanks is no empty line"
-                                             : ": a comment begins in the first column"));
-        if (!lines.next()) break;
-        skipped = true;
-    }
-    return skipped;
-}
-
-bool NetworkChecker::mend(std::string_view message) {
-    const std::string fault(message);
-    const bool skipped = skipBlankLines(fault);
-    if (lines.text.empty()) return false;
-    const bool body = fault == "description error";
-    if (body && mendBody(fault)) return true;
-    if (fault == "transition error" && mendBareEnd(fault)) return true;
+std::string NetworkChecker::cause(NetworkFault::Kind kind) const {
+    using Kind = NetworkFault::Kind;
     const KeywordLine line = keywordLine(lines.text);
-    if (line.slip.empty() || (line.keyword != "end" && !body)) return skipped;
-    findings.error(lines.number, fault + hint(line));
-    std::string mended(line.keyword);
-    mended += line.behind;
-    lines.text = std::move(mended);
-    return true;
+    if (kind == Kind::missing && beginsWithDigit(line.behind)) {
+        return ", a blank is due ahead of the first one";
+    }
+    if (kind < Kind::noDeclaration || kind > Kind::openAutomaton) return "";
+
+    const std::string_view text = trimmed(lines.text);
+    const bool end = line.keyword == "end";
+    if (text.empty()) return ": a line of blanks is no empty line";
+    if (text.front() == '#') return ": a comment begins in the first column";
+    if (!line.slip.empty() && (end || kind == Kind::noDeclaration)) return ": " + line.slip;
+    if (kind == Kind::openLocation) return ": an \"end\" is due behind a location";
+    if (kind == Kind::openAutomaton) {
+        return ": a second \"end\" is due behind the valuation, it closes the automaton";
+    }
+    if (kind == Kind::openTransition) {
+        if (!end) return ": an \"end\" is due behind a transition";
+        const std::string_view behind = trimmed(line.behind);
+        return ": the \"end\" behind a transition stands alone, with no " +
+               (behind.empty() ? "blank" : inQuotes(behind)) + " behind it";
+    }
+    if (nothingDeclared()) {
+        return ": " + inQuotes(text) + " stands behind line " + std::to_string(titleLine) +
+               ", which was taken for the title";
+    }
+    if (end) return ": this \"end\" is one too many, or the valuation is missing";
+    return ": " + inQuotes(text) + R"( begins with none of "location", "transition", "valuation")";
 }
 
-/// A line that has to go: the true title behind one that was none, an `end` too many.
-bool NetworkChecker::mendBody(const std::string& fault) {
-    const KeywordLine line = keywordLine(lines.text);
-    const bool end = line.keyword == "end" && line.slip.empty();
-    const bool title = nothingYet && line.keyword.empty();
-    if (!title && !(end && declarationIsNext())) return false;
-    std::string why = inQuotes(trimmed(lines.text));
-    if (nothingYet) {
-        why +=
-            " stands behind line " + std::to_string(titleLine) + ", which was taken for the title";
-        locationsLost = true;
-    } else {
-        why += " is one too many";
+bool NetworkChecker::nextAutomaton(NetworkFault::Kind kind) {
+    using Kind = NetworkFault::Kind;
+    if (kind == Kind::openAutomaton) {
+        // The line is an `end` with a slip, or else it may be the next title.
+        return keywordLine(lines.text).keyword != "end" || lines.next();
     }
-    findings.error(lines.number, fault + ": " + why);
-    if (title) name = std::string(trimmed(lines.text));
-    return lines.next();
-}
-
-/// The `end` behind a transition has to stand alone.
-bool NetworkChecker::mendBareEnd(const std::string& fault) {
-    if (!lines.text.starts_with("end") || lines.text == "end") return false;
-    const std::string_view behind = std::string_view(lines.text).substr(3);
-    if (behind == "\r") {
-        if (++carriageEnds == 1) carriageLine = lines.number;
-    } else {
-        const std::string_view text = trimmed(behind);
-        findings.error(lines.number,
-                       fault + ": the \"end\" behind a transition stands alone, with no " +
-                           (text.empty() ? "blank" : inQuotes(text)) + " behind it");
-    }
-    lines.text = "end";
-    return true;
-}
-
-void NetworkChecker::disorder(std::string_view message) {
-    if (lines.text.empty()) return; // the end of the file, which has an error of its own
-    std::string why;
-    if (message == "end expected") {
-        why = "a second \"end\" is due behind the valuation, it closes the automaton";
-    } else if (message != "description error") {
-        why = "an \"end\" is due behind a " + std::string(message.substr(0, message.find(' ')));
-    } else if (!lines.text.starts_with("end")) {
-        why = inQuotes(trimmed(lines.text)) +
-              R"( begins with none of "location", "transition", "valuation")";
-        locationsLost = true;
-    } else if (nothingYet) {
-        why = "nothing stands behind line " + std::to_string(titleLine) +
-              ", which was taken for a title";
-        locationsLost = true;
-    } else {
-        why = "the automaton has no valuation";
-    }
-    findings.error(lines.number, std::string(message) + ": " + why);
+    const bool behindEnd = kind == Kind::noDeclaration && !nothingDeclared();
+    int ends = behindEnd ? 1 : 0; // in a row, with those that have a slip
+    int closings = ends;          // without
+    do {
+        const KeywordLine line = keywordLine(lines.text);
+        const bool closing = lines.text.starts_with("end");
+        const bool title = line.keyword != "end" && !complete(line);
+        if ((title && ends >= 2) || (closing && closings >= 2)) return true;
+        ends = line.keyword == "end" ? ends + 1 : 0;
+        closings = closing ? closings + 1 : 0;
+    } while (lines.next());
+    return false;
 }
 
 void NetworkChecker::closed() {
     section.sort();
-    const std::vector<Fault> faults = section.faults(lines.number);
-    if (!locationsLost) tell(faults);
-    if (!faults.empty()) return;
+    if (const auto fault = section.fault(automaton, lines.number)) return checkUndeclared(*fault);
     for (std::size_t power = 1; power < section.locations.size(); power *= 2) ++bits;
-    if (!locationsLost && !transitionsLost) checkReach();
+    std::map<uint, std::vector<uint>> sources; // of each action, ascending
+    for (const Transition& t : section.transitions) sources[t.action].push_back(t.source);
+    for (const auto& [action, from] : sources) {
+        bool& possible = possibleAtStart.try_emplace(action, true).first->second;
+        possible = possible && from.front() == 0;
+    }
+    checkReach(std::move(sources));
 }
 
-/// Tells the faults of a section, and of undeclared locations each line that names one.
-void NetworkChecker::tell(const std::vector<Fault>& faults) {
-    std::set<std::pair<long, std::string>> told;
-    const auto tellOnce = [&](const Fault& fault) {
-        if (!told.emplace(fault.line, fault.text).second) return;
-        findings.error(fault.line, "automaton " + std::to_string(automaton) + ": " + fault.text);
-    };
-    const auto named = [&](uint l, long line) {
+/// Tells the fault of the automaton as a whole, and each line that names an undeclared location.
+void NetworkChecker::checkUndeclared(const NetworkFault& fault) {
+    if (fault.line == lines.number) findings.error(fault.line, text(fault));
+    if (section.locations.empty()) return;
+    NetworkFault named = fault;
+    const auto check = [&](uint l, long line) {
         const auto& declared = section.locations;
-        if (!std::binary_search(declared.begin(), declared.end(), l)) {
-            tellOnce(undeclared(l, line));
-        }
+        if (std::binary_search(declared.begin(), declared.end(), l)) return;
+        named.location = l;
+        findings.error(line, text(named));
     };
-    for (const Fault& fault : faults) tellOnce(fault);
-    if (faults.empty() || section.locations.empty()) return;
     for (const auto& [t, line] : transitions) {
-        named(t.source, line);
-        named(t.target, line);
+        check(t.source, line);
+        if (t.target != t.source) check(t.target, line);
     }
-    for (const auto& [l, line] : valueLines) named(l, line);
+    for (const auto& [l, line] : valueLines) check(l, line);
 }
 
 /// Graph search from location 0.
-void NetworkChecker::checkReach() {
-    const std::size_t count = section.locations.size();
-    std::vector<std::size_t> first(count + 1, 0); // of the targets of a location
-    for (const auto& [t, line] : transitions) ++first[t.source + 1];
-    for (std::size_t l = 0; l < count; ++l) first[l + 1] += first[l];
-    std::vector<uint> targets(transitions.size());
-    std::vector<std::size_t> next = first;
-    for (const auto& [t, line] : transitions) targets[next[t.source]++] = t.target;
-
-    std::vector<bool> reached(count, false);
+void NetworkChecker::checkReach(std::map<uint, std::vector<uint>> sources) {
+    std::vector<std::pair<uint, uint>> moves;
+    for (const Transition& t : section.transitions) moves.emplace_back(t.source, t.target);
+    std::sort(moves.begin(), moves.end());
+    std::vector<bool> reached(section.locations.size(), false);
     reached[0] = true;
     for (std::vector<uint> open = {0}; !open.empty();) {
         const uint l = open.back();
         open.pop_back();
-        for (std::size_t i = first[l]; i < first[l + 1]; ++i) {
-            if (reached[targets[i]]) continue;
-            reached[targets[i]] = true;
-            open.push_back(targets[i]);
+        auto move = std::lower_bound(moves.begin(), moves.end(), std::pair(l, 0U));
+        for (; move != moves.end() && move->first == l; ++move) {
+            if (!reached[move->second]) open.push_back(move->second);
+            reached[move->second] = true;
         }
     }
 
     std::vector<uint> unreached;
-    for (uint l = 0; l < count; ++l) {
+    for (const uint l : section.locations) {
         if (!reached[l]) unreached.push_back(l);
     }
     if (unreached.empty()) return;
@@ -420,46 +337,39 @@ void NetworkChecker::checkReach() {
     findings.warn(declared->second, automatonText() + ": " + listed(unreached) +
                                         " cannot be reached from location 0");
 
-    // Transitions are sorted by action, so those of one action have their sources in a row.
-    std::map<uint, long> dead; // actions and the lines of their first transitions
-    std::map<uint, std::vector<uint>> sources;
-    const std::vector<Transition>& sorted = section.transitions;
-    for (std::size_t begin = 0, end = 0; begin < sorted.size(); begin = end) {
-        std::vector<uint> from;
-        bool taken = false;
-        for (; end < sorted.size() && sorted[end].action == sorted[begin].action; ++end) {
-            taken = taken || reached[sorted[end].source];
-            if (!taken && (from.empty() || from.back() != sorted[end].source)) {
-                from.push_back(sorted[end].source);
-            }
-        }
-        if (taken) continue;
-        dead[sorted[begin].action] = 0;
-        sources[sorted[begin].action] = std::move(from);
-    }
+    std::erase_if(sources, [&](const auto& action) {
+        return std::any_of(action.second.begin(), action.second.end(),
+                           [&](uint l) { return reached[l]; });
+    });
     for (const auto& [t, line] : transitions) {
-        const auto action = dead.find(t.action);
-        if (action == dead.end() || action->second != 0) continue;
-        action->second = line;
+        const auto action = sources.find(t.action);
+        if (action == sources.end()) continue;
+        std::vector<uint>& from = action->second;
+        from.erase(std::unique(from.begin(), from.end()), from.end());
         findings.warn(line, automatonText() + " can never take action " + std::to_string(t.action) +
-                                ": it does so in " + listed(sources[t.action]) +
+                                ": it does so in " + listed(from) +
                                 " alone, which cannot be reached");
+        sources.erase(action);
     }
 }
 
 CheckedNetwork NetworkChecker::finished() {
-    if (carriageEnds > 0) {
-        findings.error(carriageLine,
-                       "transition error: a carriage return stands behind \"end\", in " +
-                           std::to_string(carriageEnds) + " lines, this one first");
-    }
     const long needed = 2 * bits;
     if (!findings.refused() && needed >= BoolForm::maxVariable) {
         findings.error(closingLine, "path needs " + std::to_string(needed) +
                                         " variables even if k is 1, the limit is " +
                                         std::to_string(BoolForm::maxVariable - 1));
     }
-    return {!findings.refused(), std::move(carried)};
+    if (findings.refused()) return {false, std::move(carried)};
+    const bool steps = std::any_of(possibleAtStart.begin(), possibleAtStart.end(),
+                                   [](const auto& action) { return action.second; });
+    if (!steps) {
+        findings.warn(closingLine,
+                      (possibleAtStart.empty() ? "no automaton has a transition"
+                                               : "no action is possible at the start") +
+                          std::string(", the network makes no step"));
+    }
+    return {true, std::move(carried)};
 }
 
 } // namespace
@@ -469,7 +379,7 @@ CheckedNetwork checkNetwork(const std::string& file, Findings& findings) {
     checkCarriageReturns(text, findings);
     std::istringstream in(std::move(text));
     Lines lines(in);
-    NetworkChecker checker(in, lines, findings);
+    NetworkChecker checker(lines, findings);
     NetworkParser(lines, checker).network();
     return checker.finished();
 }
