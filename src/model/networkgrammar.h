@@ -1,38 +1,15 @@
 // The grammar of a network file, once for all who read one: what the lines are and in which order
 // they stand. docs/network.md tells it in full. What becomes of the lines is up to a handler.
-//
-// The parser calls these members of the handler, in the order of the file:
-//
-//     heading()                    the network's heading
-//     title()                      the title of the next automaton
-//     body()                       the first line behind the title
-//     location(l, behind)          a declared location, and the scanner behind its number
-//     transition(t, named, behind) a transition; named: its action has a number in the file
-//     valuation()                  the line `valuation`
-//     value(l)                     a line of a valuation, of location l
-//     prop(l, p)                   a proposition of that line
-//     behindValue(l, p, behind)    the end of that line; p is its last proposition, if any
-//     ignored()                    a line of a valuation that begins with no number
-//     closed()                     the end of an automaton
-//     end()                        the closing line of the network
-//
-// and these where the file is malformed. A handler that comes back from them, in place of ending
-// the process, is taken on as far as the rest can be understood:
-//
-//     refused(message)             a fault in the current line, or the end of the file ahead of its
-//                                  time
-//     mend(message)                the line is not the one due, which is that fault; true if the
-//                                  handler has put another text or a later line in its place, which
-//                                  is then looked at once more
-//     disorder(message)            the line still is not the one due
 
 #pragma once
 
 #include "lines.h"
+#include "networkfault.h"
 #include "scanner.h"
 
+#include <algorithm>
+#include <concepts>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <tuple>
 
@@ -49,7 +26,42 @@ inline bool operator<(const Transition& a, const Transition& b) {
     return std::tie(a.action, a.source, a.target) < std::tie(b.action, b.source, b.target);
 }
 
+/// What the parser calls, in the order of the file.
 template <class Handler>
+concept NetworkHandler = requires(Handler handler, int automaton, unsigned int number,
+                                  const Transition& transition, bool named,
+                                  const std::optional<unsigned int>& prop, const Scanner& behind,
+                                  const NetworkFault& fault) {
+    // The heading of the network.
+    handler.heading();
+    // The title of the automaton of that number.
+    handler.title(automaton);
+    // The first line behind the title.
+    handler.body();
+    // A declared location, and what stands behind its number.
+    handler.location(number, behind);
+    // A transition; named: the file gives its action a number.
+    handler.transition(transition, named, behind);
+    // The line `valuation`.
+    handler.valuation();
+    // A line of the valuation begins; it is of that location.
+    handler.value(number);
+    // A proposition of that line: its location and its number.
+    handler.prop(number, number);
+    // The line ends: its location, its last proposition if it has one.
+    handler.behindValue(number, prop, behind);
+    // A line of the valuation that begins with no number.
+    handler.ignored();
+    // The end of an automaton.
+    handler.closed();
+    // The closing line of the network.
+    handler.end();
+    // The rest of the automaton cannot be read. The handler ends the process, or goes to the
+    // first line of the next automaton, or gives false where there is none.
+    { handler.refused(fault) } -> std::same_as<bool>;
+};
+
+template <NetworkHandler Handler>
 class NetworkParser {
 public:
     /// The network's first automaton has the number automata + 1. Both references outlive this.
@@ -58,134 +70,119 @@ public:
 
     /// Heading, automata and closing line. Nothing behind the closing line is read.
     void network() {
-        if (!lines.next()) return handler.refused("network: end of file before the heading");
+        if (!lines.next()) {
+            refused(Kind::noHeading);
+            return;
+        }
         handler.heading();
         while (section()) {
         }
     }
 
-    /// One automaton; false at the closing line of the network, or where the file ends too soon.
+    /// One automaton; false at the closing line of the network and where nothing more can be read.
     bool section() {
-        if (!held && !lines.next()) {
-            handler.refused("network: end of file before the closing line");
-            return false;
-        }
-        held = false;
+        if (!atNext && !lines.next()) return refused(Kind::noClosingLine);
+        atNext = false;
         if (at("end")) {
             handler.end();
             return false;
         }
-        ++automaton;
-        handler.title();
-        if (!next()) return false;
-        handler.body();
-        bool more = true;
-        while (more && !at("valuation")) {
-            if (at("location")) {
-                more = location();
-            } else if (at("transition")) {
-                more = transition();
-            } else if (const char* const fault = "description error"; !handler.mend(fault)) {
-                handler.disorder(fault);
-                if (at("end")) { // closes an automaton without a valuation
-                    handler.closed();
-                    return true;
-                }
-                more = next() && (!at("end") || next());
-            }
-        }
-        return more && valuation();
+        handler.title(++automaton);
+        if (next() && declarations() && valuation()) return true;
+        return atNext;
     }
 
 private:
+    using Kind = NetworkFault::Kind;
+    using Field = NetworkFault::Field;
+
     [[nodiscard]] bool at(std::string_view keyword) const {
         return lines.text.starts_with(keyword);
     }
-    bool atEnd(const char* fault) { return at("end") || (handler.mend(fault) && at("end")); }
-    bool next() {
-        if (lines.next()) return true;
-        refused("end of file before the closing line");
+    bool next() { return lines.next() || refused(Kind::cutOff); }
+    /// False, so that the rest of the automaton is left out.
+    bool refused(Kind kind, Field field = {}) {
+        atNext = handler.refused({kind, std::max(lines.number, 1L), automaton, field});
         return false;
-    }
-    void refused(const std::string& what) {
-        handler.refused("automaton " + std::to_string(automaton) + ": " + what);
     }
 
-    /// Whether a number could be read.
-    bool number(Scanner& fields, unsigned int& n, const char* what) {
-        const Found found = fields.number(n);
-        if (found == Found::number) return true;
-        if (found == Found::negative) refused(std::string(what) + " is negative");
-        if (found == Found::tooLarge) refused(std::string(what) + " is out of range");
-        missing = found == Found::nothing;
-        return false;
+    /// Whether what was found is a number or none at all.
+    bool sound(Found found, Field field) {
+        if (found == Found::negative) return refused(Kind::negative, field);
+        if (found == Found::tooLarge) return refused(Kind::tooLarge, field);
+        return true;
     }
-    bool requiredNumber(Scanner& fields, unsigned int& n, const char* what) {
-        if (number(fields, n, what)) return true;
-        if (missing) refused(std::string(what) + " is missing");
-        return false;
+    bool required(Scanner& fields, unsigned int& n, Field field) {
+        const Found found = fields.number(n);
+        return found == Found::nothing ? refused(Kind::missing, field) : sound(found, field);
+    }
+
+    bool declarations() {
+        handler.body();
+        while (!at("valuation")) {
+            const bool read = at("location")     ? location()
+                              : at("transition") ? transition()
+                                                 : refused(Kind::noDeclaration);
+            if (!read) return false;
+        }
+        return true;
     }
 
     bool location() {
         Scanner fields(lines.text);
         fields.skipWord();
         unsigned int l = 0;
-        if (requiredNumber(fields, l, "location number")) handler.location(l, fields);
-        if (!next()) return false;
-        const char* const fault = "location error";
-        if (atEnd(fault)) return next();
-        handler.disorder(fault);
-        return true;
+        if (!required(fields, l, Field::location)) return false;
+        handler.location(l, fields);
+        return next() && (at("end") || refused(Kind::openLocation)) && next();
     }
 
     bool transition() {
         Scanner fields(lines.text);
         fields.skipWord();
         Transition t{};
-        if (requiredNumber(fields, t.source, "source location") &&
-            requiredNumber(fields, t.target, "target location")) {
-            const bool named = number(fields, t.action, "action number");
-            handler.transition(t, named, fields);
-        }
-        if (!next()) return false;
-        if (lines.text == "end") return next();
-        const char* const fault = "transition error";
-        if (!handler.mend(fault) || lines.text != "end") handler.disorder(fault);
-        return !at("end") || next();
+        if (!required(fields, t.source, Field::source)) return false;
+        if (!required(fields, t.target, Field::target)) return false;
+        const Found action = fields.number(t.action);
+        if (!sound(action, Field::action)) return false;
+        handler.transition(t, action == Found::number, fields);
+        return next() && (lines.text == "end" || refused(Kind::openTransition)) && next();
     }
 
     bool valuation() {
         handler.valuation();
         if (!next()) return false;
         while (!at("end")) {
-            value();
-            if (!next()) return false;
+            if (!value() || !next()) return false;
         }
-        if (!next()) return false;
-        const char* const fault = "end expected";
-        if (!atEnd(fault)) {
-            handler.disorder(fault);
-            held = true; // it may be the title of the next automaton
-        }
+        if (!next() || !(at("end") || refused(Kind::openAutomaton))) return false;
         handler.closed();
         return true;
     }
 
-    void value() {
+    bool value() {
         Scanner fields(lines.text);
         unsigned int l = 0;
-        if (!number(fields, l, "location number")) return handler.ignored();
+        Found found = fields.number(l);
+        if (found == Found::nothing) {
+            handler.ignored();
+            return true;
+        }
+        if (!sound(found, Field::location)) return false;
         handler.value(l);
         std::optional<unsigned int> last;
-        for (unsigned int p = 0; number(fields, p, "proposition number"); last = p) {
+        unsigned int p = 0;
+        while ((found = fields.number(p)) == Found::number) {
             handler.prop(l, p);
+            last = p;
         }
+        if (!sound(found, Field::prop)) return false;
         handler.behindValue(l, last, fields);
+        return true;
     }
 
     Lines& lines;
     Handler& handler;
     int automaton;
-    bool held = false;    // whether the next section begins with the current line
-    bool missing = false; // whether the number not read was none at all
+    bool atNext = false; // whether the handler has gone to the next automaton
 };

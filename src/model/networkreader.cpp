@@ -21,9 +21,9 @@ public:
         : lines(lines), model(model), names(names), progress(progress) {}
 
     void heading() {}
-    void title() {
+    void title(int number) {
         section = Section();
-        automaton = static_cast<uint>(model.nrOfAutomata) + 1;
+        automaton = static_cast<uint>(number);
         if (names != nullptr) name(names->automata, automaton, trimmed(lines.text));
     }
     void body() {
@@ -50,14 +50,9 @@ public:
     void closed();
     void end() {}
 
-    [[noreturn]] void refused(const std::string& message) const { refused(lines.number, message); }
-    static bool mend(const char* /*message*/) { return false; }
-    [[noreturn]] static void disorder(const char* message) { error(message); }
+    [[noreturn]] static bool refused(const NetworkFault& fault) { error(refusal(fault)); }
 
 private:
-    [[noreturn]] static void refused(long line, const std::string& message) {
-        error("line " + std::to_string(std::max(line, 1L)) + ": " + message);
-    }
     /// The first name wins.
     template <class Key>
     static void name(std::map<Key, std::string>& of, const std::type_identity_t<Key>& key,
@@ -76,11 +71,8 @@ private:
 /// Sorted once, so that each entry of the model's tables goes to their end.
 void NetworkReader::closed() {
     section.sort();
-    const std::vector<Fault> faults = section.faults(lines.number);
-    if (!faults.empty()) {
-        refused(faults.front().line,
-                "automaton " + std::to_string(automaton) + ": " + faults.front().text);
-    }
+    const auto fault = section.fault(static_cast<int>(automaton), lines.number);
+    if (fault) refused(*fault);
     for (const uint l : section.locations) {
         model.verts.emplace_hint(model.verts.end(), std::pair(automaton, l), Vertex());
     }

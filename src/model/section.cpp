@@ -12,10 +12,6 @@ void sortUnique(std::vector<T>& v) {
 
 } // namespace
 
-Fault undeclared(unsigned int location, long line) {
-    return {line, "location " + std::to_string(location) + " is not declared"};
-}
-
 void Section::addTransition(const Transition& t, long line) {
     transitions.push_back(t);
     const unsigned int greater = std::max(t.source, t.target);
@@ -32,18 +28,19 @@ void Section::sort() {
     sortUnique(values);
 }
 
-std::vector<Fault> Section::faults(long end) const {
-    if (locations.empty()) return {{end, "no location is declared"}};
-    std::vector<Fault> found;
+std::optional<NetworkFault> Section::fault(int automaton, long end) const {
+    using Kind = NetworkFault::Kind;
+    if (locations.empty()) return NetworkFault{Kind::noLocation, end, automaton};
+    const auto undeclared = [automaton](unsigned int l, long line) {
+        return NetworkFault{Kind::undeclared, line, automaton, {}, l};
+    };
     const auto count = static_cast<unsigned int>(locations.size());
-    for (unsigned int l = 0; l < count && found.empty(); ++l) {
-        if (locations[l] != l) found.push_back(undeclared(l, end));
+    for (unsigned int l = 0; l < count; ++l) {
+        if (locations[l] != l) return undeclared(l, end);
     }
     const auto first = std::find_if(ends.begin(), ends.end(),
                                     [&](const Mention& m) { return m.location >= count; });
-    if (first != ends.end()) found.push_back(undeclared(first->location, first->line));
-    if (greatestValue.line != 0 && greatestValue.location >= count) {
-        found.push_back(undeclared(greatestValue.location, greatestValue.line));
-    }
-    return found;
+    if (first != ends.end()) return undeclared(first->location, first->line);
+    if (greatestValue.line == 0 || greatestValue.location < count) return {};
+    return undeclared(greatestValue.location, greatestValue.line);
 }

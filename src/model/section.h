@@ -6,17 +6,8 @@
 #include "networkgrammar.h"
 
 #include <cstdint>
-#include <string>
+#include <optional>
 #include <vector>
-
-/// A fault and the line where it is told.
-struct Fault {
-    long line;
-    std::string text;
-};
-
-/// The fault of a line that names a location without a declaration.
-[[nodiscard]] Fault undeclared(unsigned int location, long line);
 
 class Section {
 public:
@@ -29,10 +20,11 @@ public:
 
     /// Sorts the declarations and drops repeats.
     void sort();
-    /// Why the declarations, which are sorted, make no automaton; empty where they do: the
-    /// locations are 0 to L - 1 with L at least 1, and transitions and valuation name no other. A
-    /// fault that is not that of a line is told at the line `end`, which closes the automaton.
-    [[nodiscard]] std::vector<Fault> faults(long end) const;
+    /// Why the declarations, which are sorted, make no automaton; nothing where they do: the
+    /// locations are 0 to L - 1 with L at least 1, and transitions and valuation name no other.
+    /// The number is that of the automaton. A fault that is not that of a line is told at the line
+    /// `end`, which closes the automaton.
+    [[nodiscard]] std::optional<NetworkFault> fault(int automaton, long end) const;
 
     std::vector<unsigned int> locations;
     std::vector<Transition> transitions;

@@ -2,12 +2,7 @@
 
 #pragma once
 
-#include "findings.h"
-
 #include <string>
 
 /// The whole file. One that cannot be opened ends the process like openInput.
 [[nodiscard]] std::string fileText(const std::string& name);
-
-/// One warning if lines of the text hold carriage returns, however many.
-void checkCarriageReturns(const std::string& text, Findings& findings);

@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-/// The findings of one file. Of findings that differ in numbers and in what stands in double quotes
-/// only, the first few are kept and the others counted, so no file makes a flood of them.
+/// The findings of one file. Findings are alike if they differ only in numbers and in what stands
+/// from the first double quote to the last one. Of those the first ten are kept and the others
+/// counted, so no file makes a flood of them.
 class Findings {
 public:
     void error(long line, const std::string& text) { add(line, Kind::error, text); }

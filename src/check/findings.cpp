@@ -6,14 +6,13 @@ namespace {
 
 constexpr std::size_t mostAlike = 10;
 
-/// The text without its numbers and without what stands in double quotes.
+/// The text without its numbers and without what stands between its first and its last double
+/// quote: a name in quotes may hold quotes itself.
 std::string gist(const std::string& text) {
-    std::string rest;
-    bool quoted = false;
-    for (const char c : text) {
-        if (c == '"') quoted = !quoted;
-        if (!quoted && (c < '0' || c > '9')) rest += c;
-    }
+    const std::size_t first = std::min(text.find('"'), text.size());
+    const std::size_t last = first == text.size() ? first : text.rfind('"');
+    std::string rest = text.substr(0, first) + text.substr(last);
+    std::erase_if(rest, [](char c) { return c >= '0' && c <= '9'; });
     return rest;
 }
 

@@ -1,5 +1,6 @@
 #include "formulacheck.h"
 
+#include "carriagereturns.h"
 #include "ectlform.h"
 #include "filetext.h"
 #include "lines.h"

@@ -1,0 +1,40 @@
+// What a network file is refused for, and the words for it.
+
+#pragma once
+
+#include <string>
+
+/// A fault of a network file.
+struct NetworkFault {
+    enum class Kind {
+        // The file ends
+        noHeading,     // ahead of its heading
+        noClosingLine, // ahead of the closing line
+        cutOff,        // inside of an automaton
+        // The line is not the one that is due
+        noDeclaration,  // ahead of a valuation: it is neither a declaration nor `valuation`
+        openLocation,   // behind a location: it does not begin with `end`
+        openTransition, // behind a transition: it is not exactly `end`
+        openAutomaton,  // behind the `end` of a valuation: it does not begin with `end`
+        // A number in the line
+        missing,
+        negative,
+        tooLarge,
+        // The automaton as a whole
+        noLocation, // declares none
+        undeclared, // lacks the declaration of a location
+    };
+    /// What a number in a line is.
+    enum class Field { location, source, target, action, prop };
+
+    Kind kind;
+    long line;                     // where it is told, from 1
+    int automaton;                 // the one that is read; 0 ahead of the first
+    Field field = Field::location; // of a number
+    unsigned int location = 0;     // that lacks its declaration
+};
+
+/// What is wrong, without the line.
+[[nodiscard]] std::string text(const NetworkFault& fault);
+/// The line with which a run refuses the file. It names no line where another one is due.
+[[nodiscard]] std::string refusal(const NetworkFault& fault);
