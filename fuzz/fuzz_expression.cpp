@@ -6,16 +6,23 @@
 #include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const PropNumbers props = {
-        {"a", {1}}, {"b c", {2}}, {"d", {3, 4}}, {"\"", {2147483647}}};
+    static const Vocabulary::Things things = {{{"a", {1}}, {"b c", {2}}, {"1", {2}}}, {1, 2}};
+    static const Vocabulary vocabulary = {
+        {{"a", {1}}, {"b c", {2}}, {"d", {3, 4}}, {"\"", {2147483647}}},
+        things,
+        things,
+        {{1, things}, {2, things}}};
     return orRefused([&] {
         const std::string text(reinterpret_cast<const char*>(data), size);
-        const Translated t = translated(text, props);
+        const Expression e = expressionOf(text, vocabulary);
         // Whatever is taken makes one formula, of about the length of the expression.
         reading = false;
-        if (t.postfix.size() > 16 * size + 16) std::abort();
+        if (e.condition.tokens.size() > 2 * size) std::abort();
+        if (!e.beyondFormula.empty()) return;
+        const std::string postfix = postfixOf(e.condition);
+        if (postfix.size() > 16 * size + 16) std::abort();
         std::size_t formulas = 0;
-        for (const OnpNode& token : EctlForm(t.postfix).onp) {
+        for (const OnpNode& token : EctlForm(postfix).onp) {
             formulas -= token.op <= OpNegVar ? 0U : 1U;
             formulas += token.op <= OpNegVar ? 1U : 0U;
         }

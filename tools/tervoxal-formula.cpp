@@ -1,8 +1,10 @@
 // The command tervoxal-formula: an expression with names as a formula line.
 
 #include "command.h"
+#include "fatal.h"
 #include "expression.h"
 #include "names.h"
+#include "vocabulary.h"
 
 #include <iostream>
 #include <iterator>
@@ -41,13 +43,11 @@ int main(int argc, char* argv[]) {
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, line.operands[0]);
-    PropNumbers props;
-    for (const auto& [prop, name] : names.props) props[name].push_back(prop);
-
-    const Translated formula = translated(expression, props);
-    for (const std::string& warning : formula.warnings) {
+    const Expression asked = expressionOf(expression, vocabularyOf(model, names));
+    for (const std::string& warning : asked.warnings) {
         std::cerr << "warning: " << warning << '\n';
     }
-    std::cout << formula.postfix << '\n';
+    if (!asked.beyondFormula.empty()) error(asked.beyondFormula + ", tervoxal-solve --ask has");
+    std::cout << postfixOf(asked.condition) << '\n';
     return finished(0);
 }

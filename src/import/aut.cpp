@@ -1,6 +1,7 @@
 #include "aut.h"
 
 #include "fatal.h"
+#include "escapes.h"
 #include "lines.h"
 #include "message.h"
 #include "networkwriter.h"
@@ -54,14 +55,7 @@ std::optional<std::string> labelOf(std::string_view text) {
     if (text.empty()) return std::nullopt;
     if (text.front() != '"') return std::string(text);
     if (text.size() < 2 || text.back() != '"') return std::nullopt;
-    text = text.substr(1, text.size() - 2);
-    std::string label;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const bool escapes =
-            text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '"' || text[i + 1] == '\\');
-        label += text[escapes ? ++i : i];
-    }
-    return label;
+    return unescaped(text.substr(1, text.size() - 2));
 }
 
 /// The numbers of actions, shared by all systems that are read.

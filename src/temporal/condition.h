@@ -19,6 +19,7 @@
 #include "ectlform.h"
 
 #include <cassert>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,11 @@ struct Condition {
 /// What a formula asks of a state. One with a temporal operator is false, and keeps what stands
 /// ahead of the first. Ends the process like refuseWithoutValue.
 [[nodiscard]] Condition conditionOf(const EctlForm& form);
+
+/// The same question as a formula in postfix notation, with the constants folded away: a formula
+/// negates propositions only and has no false, so that is p0p-0&. Linear in the condition.
+/// Precondition, asserted: the condition is about propositions alone, and negates nothing else.
+[[nodiscard]] std::string postfixOf(const Condition& condition);
 
 /// The value of a condition, in one pass. The algebra has constant(bool), atom(token) for the
 /// propositions, at, enabled and deadlock, negation(value), conjunction(value, value) and

@@ -1,12 +1,14 @@
 #include "expression.h"
 
 #include "fatal.h"
+#include "escapes.h"
 #include "nearest.h"
 #include "readable.h"
 #include "scanner.h"
 
 #include <charconv>
 #include <cstddef>
+#include <optional>
 #include <set>
 #include <string_view>
 #include <system_error>
@@ -14,39 +16,73 @@
 
 namespace {
 
+using Term = Condition::Term;
+using Things = Vocabulary::Things;
+
 /// The kinds of tokens; operators in ascending strength.
-enum Kind { Open, Implies, Or, And, Not, Close, False, True, Prop, End };
+enum Kind { Open, Implies, Or, And, Not, Close, False, True, Atom, End };
 
 struct Token {
     Kind kind;
-    int number; // of a proposition, else 0
+    Condition::Token atom{Term::truth};
+    std::size_t begin = 0;
+    std::size_t end = 0;
+};
+
+/// What a word is looked up as.
+struct Sort {
+    std::string one;
+    std::string many;
+    std::string of;    // what it belongs to, behind a blank
+    std::string write; // in place of a name that is not unique
+};
+
+const Sort propositions{"proposition", "propositions", "", "p and the number"};
+const Sort actions{"action", "actions", "", "the number"};
+const Sort automata{"automaton", "automata", "", "the number"};
+
+/// A name or a number.
+struct Word {
+    std::string text;
     std::size_t begin;
-    std::size_t end;
+    bool quoted;
 };
 
 [[noreturn]] void refuse(std::size_t position, const std::string& what) {
     error("column " + std::to_string(position + 1) + ": " + what);
 }
 
+bool isNumber(std::string_view text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 /// Cuts an expression into tokens and looks its names up.
 class Tokens {
 public:
-    Tokens(const std::string& text, const PropNumbers& props) : text(text), props(props) {}
+    Tokens(const std::string& text, const Vocabulary& vocabulary)
+        : text(text), vocabulary(vocabulary) {}
 
     Token next() {
-        while (at < text.size() && isBlank(text[at])) ++at;
+        skipBlanks();
         const std::size_t begin = at;
-        const Token token = at == text.size() ? Token{End, 0, at, at} : read();
-        return {token.kind, token.number, begin, at};
+        Token token = at == text.size() ? Token{End} : read();
+        token.begin = begin;
+        token.end = at;
+        return token;
     }
 
+    std::string beyondFormula;
     std::vector<std::string> warnings;
 
 private:
+    void skipBlanks() {
+        while (at < text.size() && isBlank(text[at])) ++at;
+    }
+
     Token read() {
         const auto symbol = [this](Kind kind, std::size_t length) {
             at += length;
-            return Token{kind, 0, 0, 0};
+            return Token{kind};
         };
         switch (text[at]) {
         case '!': return symbol(Not, 1);
@@ -54,99 +90,174 @@ private:
         case '|': return symbol(Or, 1);
         case '(': return symbol(Open, 1);
         case ')': return symbol(Close, 1);
-        case '"': return quotedName();
-        default: return arrow() ? symbol(Implies, 2) : bareWord();
+        default: return arrow() ? symbol(Implies, 2) : operand(word("!&|()\""));
         }
     }
 
     [[nodiscard]] bool arrow() const { return text.compare(at, 2, "->") == 0; }
 
-    Token quotedName() {
-        const std::size_t begin = at++;
-        std::string name;
-        for (; at < text.size() && text[at] != '"'; ++at) {
-            const bool escape = text[at] == '\\' && at + 1 < text.size() &&
-                                (text[at + 1] == '"' || text[at + 1] == '\\');
-            if (escape) ++at;
-            name += text[at];
-        }
-        if (at == text.size()) refuse(begin, "the name in double quotes does not end");
-        ++at;
-        return {Prop, lookUp(name, begin), 0, 0};
-    }
-
-    Token bareWord() {
-        constexpr std::string_view enders = "!&|()\"";
+    /// The next word; a bare one ends ahead of a blank, of an arrow and of the enders.
+    Word word(std::string_view enders) {
         const std::size_t begin = at;
+        if (at < text.size() && text[at] == '"') {
+            at = closingQuote(text, begin + 1);
+            if (at == std::string::npos) refuse(begin, "the name in double quotes does not end");
+            const std::size_t inner = begin + 1;
+            return {unescaped(std::string_view(text).substr(inner, at++ - inner)), begin, true};
+        }
         while (at < text.size() && !isBlank(text[at]) &&
                enders.find(text[at]) == std::string_view::npos && !arrow()) {
             ++at;
         }
-        const std::string word = text.substr(begin, at - begin);
-        Token token{Prop, 0, 0, 0};
-        if (word == "true" || word == "false") {
-            token.kind = word == "true" ? True : False;
-            warn(word, begin, "a constant", -1);
-            return token;
-        }
-        if (word.size() < 2 || word[0] != 'p' ||
-            word.find_first_not_of("0123456789", 1) != std::string::npos) {
-            token.number = lookUp(word, begin);
-            return token;
-        }
-        const auto parsed =
-            std::from_chars(word.data() + 1, word.data() + word.size(), token.number);
-        if (parsed.ec != std::errc()) refuse(begin, "proposition number above 2147483647");
-        warn(word, begin, "proposition " + std::to_string(token.number), token.number);
-        return token;
+        return {text.substr(begin, at - begin), begin, false};
     }
 
-    /// Warns of a word that is no name where another proposition than this one has it as a name.
-    void warn(const std::string& word, std::size_t begin, const std::string& meaning, int number) {
-        const auto named = props.find(word);
-        if (named == props.end()) return;
+    Token operand(const Word& word) {
+        if (!word.quoted) {
+            if (word.text == "true" || word.text == "false") {
+                warn(word, "a constant", propositions, vocabulary.props);
+                return {word.text == "true" ? True : False};
+            }
+            if (word.text == "deadlock") {
+                warn(word, "that no action is possible", propositions, vocabulary.props);
+                return beyond(word, {Term::deadlock});
+            }
+            if (word.text == "enabled" && opens()) return enabled(word);
+            if (word.text == "at" && opens()) return located(word);
+            if (word.text[0] == 'p' && isNumber(std::string_view(word.text).substr(1))) {
+                const Word digits{word.text.substr(1), word.begin, false};
+                const unsigned int prop = numberIn(digits, propositions);
+                warn(word, "proposition " + std::to_string(prop), propositions, vocabulary.props,
+                     prop);
+                return {Atom, {Term::prop, prop}};
+            }
+        }
+        return {Atom, {Term::prop, named(word, propositions, vocabulary.props)}};
+    }
+
+    Token beyond(const Word& word, const Condition::Token& atom) {
+        if (beyondFormula.empty()) {
+            beyondFormula = "column " + std::to_string(word.begin + 1) +
+                            ": formula files have no word for " + word.text;
+        }
+        return {Atom, atom};
+    }
+
+    bool opens() {
+        skipBlanks();
+        return at < text.size() && text[at] == '(';
+    }
+
+    Token enabled(const Word& word) {
+        const unsigned int action = argument(word, '(', actions, vocabulary.actions);
+        expect(')', word);
+        return beyond(word, {Term::enabled, action});
+    }
+
+    Token located(const Word& word) {
+        const unsigned int automaton = argument(word, '(', automata, vocabulary.automata);
+        const Sort locations{"location", "locations", " of automaton " + std::to_string(automaton),
+                             "the number"};
+        const unsigned int location =
+            argument(word, ',', locations, vocabulary.locations.at(automaton));
+        expect(')', word);
+        return beyond(word, {Term::at, automaton, location});
+    }
+
+    void expect(char symbol, const Word& atom) {
+        skipBlanks();
+        if (at == text.size() || text[at] != symbol) {
+            refuse(at, inQuotes({&symbol, 1}) + " is missing in " + atom.text + "(...)");
+        }
+        ++at;
+    }
+
+    /// What stands behind the symbol: a number or a name of one of the things.
+    unsigned int argument(const Word& atom, char symbol, const Sort& sort, const Things& things) {
+        expect(symbol, atom);
+        skipBlanks();
+        const Word argument = word("!&|()\",");
+        if (argument.text.empty() && !argument.quoted) {
+            refuse(at, "the " + sort.one + " is missing in " + atom.text + "(...)");
+        }
+        if (argument.quoted || !isNumber(argument.text)) return named(argument, sort, things.named);
+        const unsigned int number = numberIn(argument, sort);
+        if (!things.numbers.contains(number)) {
+            refuse(argument.begin,
+                   "no " + sort.one + sort.of + " has the number " + std::to_string(number));
+        }
+        warn(argument, "a number", sort, things.named, number);
+        return number;
+    }
+
+    [[nodiscard]] static unsigned int numberIn(const Word& digits, const Sort& sort) {
+        int number = 0;
+        const char* const end = digits.text.data() + digits.text.size();
+        if (std::from_chars(digits.text.data(), end, number).ec != std::errc()) {
+            refuse(digits.begin, sort.one + " number above 2147483647");
+        }
+        return static_cast<unsigned int>(number);
+    }
+
+    /// Warns of a word that is no name where something else than this number has it as a name.
+    void warn(const Word& word, const std::string& meaning, const Sort& sort,
+              const Vocabulary::Named& names, std::optional<unsigned int> number = {}) {
+        const auto named = names.find(word.text);
+        if (named == names.end()) return;
         const std::vector<unsigned int>& numbers = named->second;
-        const bool same = numbers.size() == 1 && static_cast<int>(numbers.front()) == number;
-        if (same || !warned.insert(word).second) return;
-        warnings.push_back("column " + std::to_string(begin + 1) + ": " + excerpt(word) + " is " +
-                           meaning + "; the name of proposition " +
-                           std::to_string(numbers.front()) + " needs double quotes");
+        const bool same = numbers.size() == 1 && numbers.front() == number;
+        if (same || !warned.insert({sort.one + sort.of, word.text}).second) return;
+        warnings.push_back("column " + std::to_string(word.begin + 1) + ": " + excerpt(word.text) +
+                           " is " + meaning + "; the name of " + sort.one + ' ' +
+                           std::to_string(numbers.front()) + sort.of + " needs double quotes");
     }
 
-    [[nodiscard]] int lookUp(const std::string& name, std::size_t begin) const {
-        const auto named = props.find(name);
-        if (named == props.end()) refuseUnknown(name, begin);
+    [[nodiscard]] unsigned int named(const Word& word, const Sort& sort,
+                                     const Vocabulary::Named& names) const {
+        const auto named = names.find(word.text);
+        if (named == names.end()) refuseUnknown(word, sort, names);
         const std::vector<unsigned int>& numbers = named->second;
         if (numbers.size() > 1) {
-            refuse(begin, "propositions " + std::to_string(numbers[0]) + " and " +
-                              std::to_string(numbers[1]) +
-                              (numbers.size() > 2 ? " and others" : "") + " are named " +
-                              inQuotes(name) + ", write p and the number");
+            refuse(word.begin, sort.many + ' ' + std::to_string(numbers[0]) + " and " +
+                                   std::to_string(numbers[1]) +
+                                   (numbers.size() > 2 ? " and others" : "") + sort.of +
+                                   " are named " + inQuotes(word.text) + ", write " + sort.write);
         }
-        return static_cast<int>(numbers.front());
+        return numbers.front();
     }
 
-    [[noreturn]] void refuseUnknown(const std::string& name, std::size_t begin) const {
-        Nearest nearest(name);
-        for (const auto& [known, numbers] : props) nearest.offer(known);
-        std::string hint;
-        for (const std::string_view word : nearest.found()) {
-            hint += (hint.empty() ? "; the nearest: " : ", ") + inQuotes(word);
+    [[noreturn]] void refuseUnknown(const Word& word, const Sort& sort,
+                                    const Vocabulary::Named& names) const {
+        static const std::set<std::string_view> temporal = {
+            "A", "AF", "AG", "AX", "E", "EF", "EG", "EK", "EU", "EX", "F", "G", "R", "U", "W", "X"};
+        const std::string_view rest = trimmed(std::string_view(text).substr(at));
+        const bool operand = !rest.empty() && !rest.starts_with("->") &&
+                             std::string_view("&|),").find(rest[0]) == std::string_view::npos;
+        if (!word.quoted && operand && temporal.contains(word.text)) {
+            refuse(word.begin,
+                   word.text + " is a temporal operator, and expressions have none: what is asked "
+                               "is whether a state can be reached in which they hold");
         }
-        refuse(begin, "no proposition is named " + inQuotes(name) + hint);
+        Nearest nearest(word.text);
+        for (const auto& [known, numbers] : names) nearest.offer(known);
+        std::string hint;
+        for (const std::string_view candidate : nearest.found()) {
+            hint += (hint.empty() ? "; the nearest: " : ", ") + inQuotes(candidate);
+        }
+        refuse(word.begin, "no " + sort.one + sort.of + " is named " + inQuotes(word.text) + hint);
     }
 
     const std::string& text;
-    const PropNumbers& props;
+    const Vocabulary& vocabulary;
     std::size_t at = 0;
-    std::set<std::string> warned;
+    std::set<std::pair<std::string, std::string>> warned;
 };
 
 /// One entry of the expression in postfix order.
 struct Step {
     Kind kind;
-    int number;   // of a proposition, else 0
-    bool negated; // a proposition that is, once the negations have gone in
+    Condition::Token atom;
+    bool negated; // an atom that is, once the negations have gone in
 };
 
 /// Operator-precedence parsing (the shunting-yard algorithm).
@@ -155,17 +266,18 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
     std::vector<Token> open; // operators and brackets that wait for their right end
     const auto close = [&](Kind weakest) {
         for (; !open.empty() && open.back().kind >= weakest; open.pop_back()) {
-            steps.push_back({open.back().kind, 0, false});
+            steps.push_back({open.back().kind, {Term::truth}, false});
         }
     };
     const auto textOf = [&](const Token& token) {
-        return inQuotes(std::string_view(text).substr(token.begin, token.end - token.begin));
+        return inQuotes(
+            trimmed(std::string_view(text).substr(token.begin, token.end - token.begin)));
     };
     bool operand = true; // whether one is due
-    for (Token before{Open, 0, 0, 0};;) {
+    for (Token before{Open};;) {
         const Token token = tokens.next();
         const bool begins =
-            token.kind == Not || token.kind == Open || (token.kind >= False && token.kind <= Prop);
+            token.kind == Not || token.kind == Open || (token.kind >= False && token.kind <= Atom);
         if (operand && !begins) {
             const bool twice = token.kind == before.kind && before.end == token.begin &&
                                (token.kind == And || token.kind == Or);
@@ -179,8 +291,8 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
         switch (token.kind) {
         case False:
         case True:
-        case Prop:
-            steps.push_back({token.kind, token.number, false});
+        case Atom:
+            steps.push_back({token.kind, token.atom, false});
             operand = false;
             break;
         case Not:
@@ -207,7 +319,7 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
     }
 }
 
-/// Takes the negations to the propositions (negation normal form). A Not means nothing from then
+/// Takes the negations to the atoms (negation normal form). A Not means nothing from then
 /// on, and there is no Implies.
 void pushNegationsIn(std::vector<Step>& steps) {
     // From the end on, an operator comes ahead of its operands, the right one first.
@@ -231,51 +343,29 @@ void pushNegationsIn(std::vector<Step>& steps) {
     }
 }
 
-/// Writes the postfix notation, and folds the constants away.
-std::string written(const std::vector<Step>& steps) {
-    // An operand is a constant, or what stands from begin on up to where the next one begins.
-    struct Operand {
-        Kind kind; // False, True, or Prop for any other formula
-        std::size_t begin;
-    };
-    std::string text;
-    std::vector<Operand> operands;
+Condition conditionOf(const std::vector<Step>& steps) {
+    Condition condition;
     for (const Step& step : steps) {
         switch (step.kind) {
         case Not: break;
-        case And:
-        case Or: {
-            const Operand right = operands.back();
-            operands.pop_back();
-            Operand& left = operands.back();
-            const Kind neutral = step.kind == And ? True : False;
-            if (left.kind == Prop && right.kind == Prop) {
-                text += step.kind == And ? '&' : '+';
-            } else if (left.kind == neutral) {
-                left = right;
-            } else if (right.kind != neutral) {
-                text.resize(left.begin);
-                left.kind = step.kind == And ? False : True;
-            }
-            break;
-        }
+        case And: condition.tokens.push_back({Term::conjunction}); break;
+        case Or: condition.tokens.push_back({Term::disjunction}); break;
+        case False: condition.tokens.push_back({Term::falsity}); break;
+        case True: condition.tokens.push_back({Term::truth}); break;
         default:
-            operands.push_back({step.kind, text.size()});
-            if (step.kind == Prop) {
-                text += (step.negated ? "p-" : "p") + std::to_string(step.number);
-            }
+            condition.tokens.push_back(step.atom);
+            if (step.negated) condition.tokens.push_back({Term::negation});
             break;
         }
     }
-    if (operands.back().kind == Prop) return text;
-    return operands.back().kind == True ? "T" : "p0p-0&";
+    return condition;
 }
 
 } // namespace
 
-Translated translated(const std::string& expression, const PropNumbers& props) {
-    Tokens tokens(expression, props);
-    std::vector<Step> steps = parsed(expression, tokens);
+Expression expressionOf(const std::string& text, const Vocabulary& vocabulary) {
+    Tokens tokens(text, vocabulary);
+    std::vector<Step> steps = parsed(text, tokens);
     pushNegationsIn(steps);
-    return {written(steps), std::move(tokens.warnings)};
+    return {conditionOf(steps), std::move(tokens.beyondFormula), std::move(tokens.warnings)};
 }

@@ -1,0 +1,24 @@
+#include "escapes.h"
+
+namespace {
+
+/// Whether there is a backslash that means the character behind it.
+bool escapes(std::string_view text, std::size_t i) {
+    return text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '"' || text[i + 1] == '\\');
+}
+
+} // namespace
+
+std::size_t closingQuote(std::string_view text, std::size_t begin) {
+    for (std::size_t i = begin; i < text.size(); ++i) {
+        if (text[i] == '"') return i;
+        if (escapes(text, i)) ++i;
+    }
+    return std::string_view::npos;
+}
+
+std::string unescaped(std::string_view text) {
+    std::string meant;
+    for (std::size_t i = 0; i < text.size(); ++i) meant += text[escapes(text, i) ? ++i : i];
+    return meant;
+}

@@ -1,0 +1,13 @@
+// Texts in double quotes: \" and \\ stand for " and \, and a backslash ahead of anything else
+// stands for itself.
+
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Where the quote stands that ends the text from begin on, npos if there is none.
+[[nodiscard]] std::size_t closingQuote(std::string_view text, std::size_t begin);
+/// What stands between the quotes, as it is meant.
+[[nodiscard]] std::string unescaped(std::string_view text);
