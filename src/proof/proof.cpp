@@ -1,7 +1,7 @@
 #include "proof.h"
 
 #include "directories.h"
-#include "sweep.h"
+#include "duration.h"
 
 #include <fstream>
 #include <string_view>

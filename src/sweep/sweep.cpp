@@ -1,7 +1,8 @@
 #include "sweep.h"
 
+#include "duration.h"
+
 #include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <map>
 #include <set>
@@ -231,10 +232,4 @@ void Sweep::report() {
 
 Result sweep(const Task& task, Children& children, const fs::path& directory) {
     return Sweep(task, children, directory).run();
-}
-
-std::string shown(std::chrono::duration<double> time) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(2) << time.count() << " s";
-    return text.str();
 }

@@ -1,0 +1,10 @@
+#include "duration.h"
+
+#include <iomanip>
+#include <sstream>
+
+std::string shown(std::chrono::duration<double> time) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << time.count() << " s";
+    return text.str();
+}
