@@ -2,6 +2,7 @@
 
 #include "command.h"
 #include "expression.h"
+#include "filenames.h"
 #include "names.h"
 
 #include <iostream>
@@ -40,7 +41,7 @@ int main(int argc, char* argv[]) {
 
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, line.operands[0]);
+    readNamedNetwork(model, names, inputName(line.operands[0]));
     PropNumbers props;
     for (const auto& [prop, name] : names.props) props[name].push_back(prop);
 

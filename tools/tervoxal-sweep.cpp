@@ -4,8 +4,10 @@
 #include "command.h"
 #include "directories.h"
 #include "error.h"
-#include "lines.h"
+#include "filenames.h"
+#include "filetext.h"
 #include "outputfile.h"
+#include "pathlength.h"
 #include "sweep.h"
 
 #include <array>
@@ -15,7 +17,6 @@
 #include <fstream>
 #include <iostream>
 #include <set>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -24,7 +25,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr long greatestLength = 2147483647;
 constexpr std::array<const char*, 3> knownSolvers = {"cadical", "kissat", "minisat"};
 
 const Command command{
@@ -53,16 +53,10 @@ struct Input {
     std::string formula;
 };
 
-/// What stands behind the last slash. Files of a sweep have that name and some letters more.
-std::string baseName(const std::string& name) {
-    std::string base = name.substr(name.rfind('/') + 1);
-    return base.empty() || base.size() > 200 ? "network" : base;
-}
-
-std::string inputOf(const std::string& name) {
-    std::ostringstream text;
-    text << openInput(name + ".in").rdbuf();
-    return text.str();
+/// The name of an input in the directory of the sweep, where files have it and some letters more.
+std::string nameThere(const std::string& name) {
+    const std::string part = lastPart(name);
+    return part.size() > 200 ? "network" : part;
 }
 
 std::string defaultSolver() {
@@ -105,7 +99,7 @@ int main(int argc, char* argv[]) {
     const CommandLine call(command, argc, argv);
     Task task;
     Input input;
-    task.to = call.numberIn(call.operands[2], "PathLen", 1, greatestLength);
+    task.to = call.numberIn(call.operands[2], "PathLen", 1, greatestPathLength);
     task.from = call.number("from", 1, task.to, 1);
     task.jobs = static_cast<std::size_t>(call.number("jobs", 1, 1024, 1));
     task.format = call.value("format", "text");
@@ -115,12 +109,14 @@ int main(int argc, char* argv[]) {
     task.tervoxal = companion("tervoxal");
     task.tervoxalPath = companion("tervoxal-path");
     task.solver = call.has("solver") ? call.value("solver", "") : defaultSolver();
-    task.network = baseName(call.operands[0]);
-    task.formula = baseName(call.operands[1]);
+    const std::string network = inputName(call.operands[0]);
+    const std::string formula = inputName(call.operands[1]);
+    task.network = nameThere(network);
+    task.formula = nameThere(formula);
     if (task.formula == task.network) task.formula += "-formula";
     // Both are read once: they may be pipes, and all lengths speak of the same network.
-    input.network = inputOf(call.operands[0]);
-    input.formula = inputOf(call.operands[1]);
+    input.network = fileText(network + inputSuffix);
+    input.formula = fileText(formula + inputSuffix);
     if (call.has("keep")) {
         std::error_code problem;
         task.keep = fs::absolute(call.value("keep", ""), problem);

@@ -1,7 +1,7 @@
 #include "proof.h"
 
 #include "directories.h"
-#include "duration.h"
+#include "amounts.h"
 
 #include <fstream>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "sweep.h"
 
-#include "duration.h"
+#include "amounts.h"
 
 #include <fstream>
 #include <iostream>
@@ -87,8 +87,7 @@ Result Sweep::run() {
     return {Verdict::none,
             {},
             "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
-                std::to_string(last) + (last == 1 ? " step" : " steps") +
-                "; this says nothing of longer ones",
+                steps(last) + "; this says nothing of longer ones",
             0};
 }
 

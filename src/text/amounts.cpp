@@ -1,4 +1,4 @@
-#include "duration.h"
+#include "amounts.h"
 
 #include <iomanip>
 #include <sstream>
@@ -8,3 +8,5 @@ std::string shown(std::chrono::duration<double> time) {
     text << std::fixed << std::setprecision(2) << time.count() << " s";
     return text.str();
 }
+
+std::string steps(long n) { return std::to_string(n) + (n == 1 ? " step" : " steps"); }
