@@ -37,4 +37,4 @@ _tervoxal() {
 }
 
 complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-check tervoxal-draw tervoxal-formula \
-    tervoxal-import tervoxal-path tervoxal-solve
+    tervoxal-import tervoxal-path tervoxal-solve tervoxal-sweep

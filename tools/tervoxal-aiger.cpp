@@ -3,6 +3,7 @@
 
 #include "aiger.h"
 #include "command.h"
+#include "filenames.h"
 #include "names.h"
 #include "reachability.h"
 
@@ -24,8 +25,8 @@ int main(int argc, char* argv[]) {
     const CommandLine line(command, argc, argv);
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, line.operands[0]);
-    model.readFormula(line.operands[1]);
+    readNamedNetwork(model, names, inputName(line.operands[0]));
+    model.readFormula(inputName(line.operands[1]));
     if (model.form->temporalLength() > 0) {
         std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
     }

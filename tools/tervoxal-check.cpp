@@ -1,6 +1,7 @@
 // The command tervoxal-check: what a run would refuse, and what hardly can be meant.
 
 #include "command.h"
+#include "filenames.h"
 #include "formulacheck.h"
 #include "networkcheck.h"
 
@@ -24,13 +25,13 @@ int main(int argc, char* argv[]) {
         1,
         2};
     const CommandLine line(command, argc, argv);
-    const std::string networkFile = line.operands[0] + ".in";
+    const std::string networkFile = inputName(line.operands[0]) + ".in";
     Findings inNetwork;
     const CheckedNetwork network = checkNetwork(networkFile, inNetwork);
     inNetwork.show(std::cout, networkFile);
     Findings inFormula;
     if (line.operands.size() > 1) {
-        const std::string formulaFile = line.operands[1] + ".in";
+        const std::string formulaFile = inputName(line.operands[1]) + ".in";
         checkFormula(formulaFile, network, inFormula);
         inFormula.show(std::cout, formulaFile);
     }

@@ -1,6 +1,7 @@
 // The command tervoxal-draw: a network as a picture.
 
 #include "command.h"
+#include "filenames.h"
 #include "names.h"
 #include "picture.h"
 
@@ -20,7 +21,8 @@ int main(int argc, char* argv[]) {
     std::ios::sync_with_stdio(false);
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, line.operands[0]);
-    drawNetwork(std::cout, model, names, line.operands[0]);
+    const std::string network = inputName(line.operands[0]);
+    readNamedNetwork(model, names, network);
+    drawNetwork(std::cout, model, names, network);
     return finished(0);
 }

@@ -1,8 +1,9 @@
 // The command tervoxal-formula: an expression with names as a formula line.
 
 #include "command.h"
-#include "fatal.h"
 #include "expression.h"
+#include "fatal.h"
+#include "filenames.h"
 #include "names.h"
 #include "vocabulary.h"
 
@@ -42,7 +43,7 @@ int main(int argc, char* argv[]) {
 
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, line.operands[0]);
+    readNamedNetwork(model, names, inputName(line.operands[0]));
     const Expression asked = expressionOf(expression, vocabularyOf(model, names));
     for (const std::string& warning : asked.warnings) {
         std::cerr << "warning: " << warning << '\n';

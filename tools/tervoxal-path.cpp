@@ -1,18 +1,20 @@
 // The command tervoxal-path: from what a solver wrote about a run's clauses to a path that is
 // replayed on the network.
 
+#include "amounts.h"
 #include "answer.h"
 #include "command.h"
 #include "fatal.h"
+#include "filenames.h"
 #include "lines.h"
 #include "names.h"
 #include "path.h"
+#include "pathlength.h"
 #include "report.h"
 #include "sidefile.h"
 #include "transitions.h"
 #include "walk.h"
 
-#include <cstdlib>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -54,10 +56,10 @@ int main(int argc, char* argv[]) {
     const std::string format = line.value("format", "text");
     const Show show = showOf(format);
     if (show == nullptr) line.misused("unknown format '" + format + "'");
-    const std::string& network = line.operands[0];
-    const std::string& formula = line.operands[1];
+    const std::string network = inputName(line.operands[0]);
+    const std::string formula = inputName(line.operands[1]);
     const std::string& pathLen = line.operands[2];
-    const int k = static_cast<int>(std::strtol(pathLen.c_str(), nullptr, 10));
+    const int k = pathLength(pathLen);
     if (k <= 0) error("Length of path should be > 0");
 
     NetTimedModel model;
@@ -65,15 +67,15 @@ int main(int argc, char* argv[]) {
     readNamedNetwork(model, names, network);
     model.readFormula(formula);
     const Condition condition = conditionOf(*model.form);
-    const int maxVar = readSideFile(model, k, network + "k" + pathLen);
+    const int maxVar = readSideFile(model, k, runName(network, pathLen));
     const Answer answer = answerOf(line);
     if (answer.verdict == Verdict::unknown) {
         std::cerr << "the solver gave no answer\n";
         return finished(0);
     }
     if (answer.verdict == Verdict::unsatisfiable) {
-        std::cerr << "no path of " << k
-                  << " steps meets the formula: the solver's word, unchecked\n";
+        std::cerr << "no path of " << steps(k)
+                  << " meets the formula: the solver's word, unchecked\n";
         return finished(20);
     }
 

@@ -1,10 +1,11 @@
 // The command tervoxal: one run from a network, a formula and a path length to the output files.
 
+#include "filenames.h"
 #include "freemem.h"
+#include "pathlength.h"
 #include "tectltran.h"
 
 #include <csignal>
-#include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <iostream>
@@ -22,7 +23,7 @@ int main(int argc, char* argv[]) {
     const std::string networkFile = argv[1];
     const std::string formulaFile = argv[2];
     const std::string pathLen = argv[3];
-    const int k = static_cast<int>(std::strtol(pathLen.c_str(), nullptr, 10));
+    const int k = pathLength(pathLen);
     if (k <= 0) {
         std::cerr << "Length of path should be > 0\n";
         return 2;
@@ -41,7 +42,7 @@ int main(int argc, char* argv[]) {
     std::cout << "Formula is read\n";
 
     EctlTransl translator(model, k);
-    translator.checkEctlFormula(networkFile + "k" + pathLen);
+    translator.checkEctlFormula(runName(networkFile, pathLen));
 
     std::cout << '\n';
     const double seconds = static_cast<double>(std::clock() - start) / 1000000.0;
@@ -50,9 +51,9 @@ int main(int argc, char* argv[]) {
     const unsigned int memoryUsed = freeMemory - getfreemem();
     std::cout << "Memory used by Tervoxal : " << memoryUsed * 9.5367431640625e-07 << " Mb\n";
 
-    std::ofstream timeFile("tervoxaltime.out", std::ios::app);
+    std::ofstream timeFile(timeFileName, std::ios::app);
     if (!timeFile.is_open()) {
-        std::cout << "Nie mozna otworzyc pliku tervoxaltime.out\n";
+        std::cout << "Nie mozna otworzyc pliku " << timeFileName << '\n';
         return 1;
     }
     timeFile.precision(4);

@@ -1,7 +1,7 @@
 #include "aut.h"
 
-#include "fatal.h"
 #include "escapes.h"
+#include "fatal.h"
 #include "lines.h"
 #include "message.h"
 #include "networkwriter.h"

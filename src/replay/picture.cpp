@@ -1,5 +1,6 @@
 #include "picture.h"
 
+#include "amounts.h"
 #include "readable.h"
 #include "report.h"
 
@@ -170,7 +171,6 @@ void drawNetwork(std::ostream& out, const NetTimedModel& model, const Names& nam
 
 void showDot(std::ostream& out, const Report& report) {
     const int length = report.start.length();
-    const std::string title =
-        report.network + ", path of " + std::to_string(length) + (length == 1 ? " step" : " steps");
+    const std::string title = report.network + ", path of " + steps(length);
     Picture(out, report.start.model(), report.names, traceOf(report.start)).show(title);
 }

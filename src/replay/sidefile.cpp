@@ -1,6 +1,7 @@
 #include "sidefile.h"
 
 #include "fatal.h"
+#include "filenames.h"
 #include "lines.h"
 #include "scanner.h"
 
@@ -46,7 +47,7 @@ private:
 } // namespace
 
 int readSideFile(const NetTimedModel& model, int k, const std::string& name) {
-    SideFile file(name + ".lck");
+    SideFile file(name + sideSuffix);
     const auto automata = static_cast<long>(file.number());
     const std::vector<uint> bits = file.numbers();
     const auto length = static_cast<long>(file.number());
@@ -64,7 +65,7 @@ int readSideFile(const NetTimedModel& model, int k, const std::string& name) {
     if (length != k) file.otherThan("path length", length, k);
     const long most = (k + 1L) * model.totalNrVertBits;
     if (variables > most) {
-        error(name + ".lck: state variable " + std::to_string(variables) + " of " +
+        error(name + sideSuffix + ": state variable " + std::to_string(variables) + " of " +
               std::to_string(most));
     }
     return static_cast<int>(variables);

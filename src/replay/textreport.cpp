@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include "amounts.h"
 #include "readable.h"
 
 #include <string_view>
@@ -44,8 +45,7 @@ void showStep(std::ostream& out, const Walk& walk, const Names& names) {
 void showText(std::ostream& out, const Report& report) {
     const Names& names = report.names;
     Walk walk = report.start;
-    out << readable(report.network) << ", " << walk.length()
-        << (walk.length() == 1 ? " step" : " steps") << "; * marks where "
+    out << readable(report.network) << ", " << steps(walk.length()) << "; * marks where "
         << readable(report.formula) << " holds\n\n";
     showState(out, walk, names);
     out << '\n';

@@ -1,5 +1,6 @@
 #include "report.h"
 
+#include "filenames.h"
 #include "readable.h"
 
 #include <algorithm>
@@ -67,8 +68,7 @@ void showHeader(std::ostream& out, const Report& report) {
     };
     ScopeNames scopes;
     out << "$timescale 1 ns $end\n"
-        << "$scope module " << scopes.next(report.network.substr(report.network.rfind('/') + 1), 0)
-        << " $end\n";
+        << "$scope module " << scopes.next(lastPart(report.network), 0) << " $end\n";
     variable("wire", 1, code(holdsSignal), "holds");
     variable("wire", 31, code(actionSignal), "action");
     variable("string", 1, code(nameSignal), "action_name");

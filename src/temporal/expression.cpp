@@ -1,7 +1,7 @@
 #include "expression.h"
 
-#include "fatal.h"
 #include "escapes.h"
+#include "fatal.h"
 #include "nearest.h"
 #include "readable.h"
 #include "scanner.h"

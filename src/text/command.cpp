@@ -43,6 +43,7 @@ void showHelp(const Command& command, const std::vector<Option>& options) {
 
 CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(command.name) {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     std::vector<Option> options = command.options;
     options.push_back(helpOption);
     options.push_back(versionOption);
@@ -55,7 +56,12 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
     known.push_back({nullptr, 0, nullptr, 0});
 
     int index = 0;
-    for (int found = 0; (found = getopt_long(argc, argv, "", known.data(), &index)) != -1;) {
+    // With "-" an operand is the argument of an option 1, whatever POSIXLY_CORRECT says.
+    for (int found = 0; (found = getopt_long(argc, argv, "-", known.data(), &index)) != -1;) {
+        if (found == 1) {
+            operands.emplace_back(optarg);
+            continue;
+        }
         if (found != 0) error(hint());
         values[options[static_cast<std::size_t>(index)].name] = optarg == nullptr ? "" : optarg;
     }
@@ -67,7 +73,7 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
         std::cout << name << ' ' << TERVOXAL_VERSION << '\n';
         std::exit(finished(0));
     }
-    operands.assign(argv + optind, argv + argc);
+    operands.insert(operands.end(), argv + optind, argv + argc);
     const auto count = static_cast<int>(operands.size());
     if (count < command.least) misused("missing operand");
     if (command.most >= 0 && count > command.most) {
@@ -103,9 +109,11 @@ void CommandLine::misused(const std::string& message) const {
 std::string CommandLine::hint() const { return "Try '" + name + " --help' for more information."; }
 
 int finished(int status) {
+    const bool lost = !std::cout;
+    std::cout.clear(); // what is left is tried once more, for the reason
     errno = 0;
     std::cout.flush();
-    if (!std::cout) {
+    if (lost || !std::cout) {
         const int reason = errno;
         error(std::string("cannot write to standard output") +
               (reason != 0 ? std::string(": ") + std::strerror(reason) : ""));

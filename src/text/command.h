@@ -30,7 +30,8 @@ class CommandLine {
 public:
     /// Prints the help or the version and ends the process with status 0 where it is asked for.
     /// Ends it with status 1 and a line or two on standard error where the arguments do not fit the
-    /// command. Ignores SIGPIPE from here on: a reader that stops reading is a write that fails.
+    /// command. Ignores SIGPIPE and SIGXFSZ from here on: a reader that stops reading and a file at
+    /// its size limit are writes that fail.
     CommandLine(const Command& command, int argc, char** argv);
 
     [[nodiscard]] bool has(const std::string& option) const { return values.contains(option); }

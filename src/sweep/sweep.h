@@ -45,6 +45,3 @@ struct Result {
 /// goes to standard error. All children have ended when it comes back.
 [[nodiscard]] Result sweep(const Task& task, Children& children,
                            const std::filesystem::path& directory);
-
-/// A time in seconds, as the lines of progress show it.
-[[nodiscard]] std::string shown(std::chrono::duration<double> time);

@@ -1,7 +1,8 @@
 #include "sweep.h"
 
+#include "amounts.h"
+
 #include <fstream>
-#include <iomanip>
 #include <iostream>
 #include <map>
 #include <set>
@@ -86,8 +87,7 @@ Result Sweep::run() {
     return {Verdict::none,
             {},
             "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
-                std::to_string(last) + (last == 1 ? " step" : " steps") +
-                "; this says nothing of longer ones",
+                steps(last) + "; this says nothing of longer ones",
             0};
 }
 
@@ -231,10 +231,4 @@ void Sweep::report() {
 
 Result sweep(const Task& task, Children& children, const fs::path& directory) {
     return Sweep(task, children, directory).run();
-}
-
-std::string shown(std::chrono::duration<double> time) {
-    std::ostringstream text;
-    text << std::fixed << std::setprecision(2) << time.count() << " s";
-    return text.str();
 }

@@ -1,7 +1,7 @@
 #include "proof.h"
 
+#include "amounts.h"
 #include "directories.h"
-#include "sweep.h"
 
 #include <fstream>
 #include <string_view>

@@ -1,0 +1,12 @@
+#include "amounts.h"
+
+#include <iomanip>
+#include <sstream>
+
+std::string shown(std::chrono::duration<double> time) {
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(2) << time.count() << " s";
+    return text.str();
+}
+
+std::string steps(long n) { return std::to_string(n) + (n == 1 ? " step" : " steps"); }
