@@ -1,0 +1,91 @@
+#include "conditionliterals.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
+
+ConditionLiterals::ConditionLiterals(const Unrolling& unrolling, Solver& solver)
+    : unrolling(unrolling), solver(solver) {
+    for (const auto& [location, number] : unrolling.tables.model.valuation) {
+        carriers[number].push_back(location);
+    }
+}
+
+int ConditionLiterals::literal(const Condition& condition, int where) {
+    assert(where >= position);
+    if (where != position) atoms.clear();
+    position = where;
+    return valueOf(condition, *this);
+}
+
+int ConditionLiterals::constant(bool value) const {
+    return value ? unrolling.truth() : -unrolling.truth();
+}
+
+int ConditionLiterals::disjunction(int a, int b) { return some({a, b}); }
+
+int ConditionLiterals::some(std::vector<int> literals) {
+    const int truth = unrolling.truth();
+    std::erase(literals, -truth);
+    std::sort(literals.begin(), literals.end());
+    literals.erase(std::unique(literals.begin(), literals.end()), literals.end());
+    if (literals.empty()) return -truth;
+    for (const int literal : literals) {
+        if (literal == truth || std::binary_search(literals.begin(), literals.end(), -literal)) {
+            return truth;
+        }
+    }
+    if (literals.size() == 1) return literals[0];
+    const int result = solver.newVariable();
+    for (const int literal : literals) solver.add({-literal, result});
+    literals.insert(literals.end(), {-result, 0});
+    solver.add(literals);
+    return result;
+}
+
+int ConditionLiterals::atom(const Condition::Token& token) {
+    if (token.term == Condition::Term::at) return at(token.number, token.location);
+    const std::pair key(token.term, token.number);
+    if (const auto known = atoms.find(key); known != atoms.end()) return known->second;
+    const int result = token.term == Condition::Term::prop      ? prop(token.number)
+                       : token.term == Condition::Term::enabled ? enabled(token.number)
+                                                                : deadlock();
+    atoms.emplace(key, result);
+    return result;
+}
+
+int ConditionLiterals::prop(uint number) {
+    const auto found = carriers.find(number);
+    if (found == carriers.end()) return constant(false);
+    std::vector<int> literals;
+    for (const auto& [a, l] : found->second) literals.push_back(at(a, l));
+    return some(std::move(literals));
+}
+
+int ConditionLiterals::at(uint automaton, uint location) const {
+    const Tables::Place place = unrolling.tables.place(automaton, location);
+    return place.location ? unrolling.location(position, *place.location) : constant(place.always);
+}
+
+int ConditionLiterals::enabled(uint action) {
+    const Tables& tables = unrolling.tables;
+    const auto x = tables.action(action);
+    if (!x) return constant(false);
+    std::vector<int> missing;
+    for (uint p = tables.participantsBegin(*x); p < tables.actions[*x].participantsEnd; ++p) {
+        std::vector<int> sources;
+        for (uint m = tables.movesBegin(p); m < tables.participants[p].movesEnd; ++m) {
+            sources.push_back(unrolling.location(position, tables.moves[m].source));
+        }
+        missing.push_back(-some(std::move(sources)));
+    }
+    return -some(std::move(missing));
+}
+
+int ConditionLiterals::deadlock() {
+    std::vector<int> possible;
+    for (const Tables::Action& action : unrolling.tables.actions) {
+        possible.push_back(atom({Condition::Term::enabled, action.number}));
+    }
+    return -some(std::move(possible));
+}

@@ -1,0 +1,45 @@
+// Conditions at the positions of an unrolling, as literals. Each is defined when it is first asked
+// for, in both directions, and an atom that several conditions share is defined once.
+
+#pragma once
+
+#include "condition.h"
+#include "solver.h"
+#include "unrolling.h"
+
+#include <map>
+#include <utility>
+#include <vector>
+
+class ConditionLiterals {
+public:
+    /// The unrolling and its solver must outlive it.
+    ConditionLiterals(const Unrolling& unrolling, Solver& solver);
+
+    /// A literal that is true exactly where the condition holds at the position, from 0 to the
+    /// depth of the unrolling. Positions must not descend from call to call: the atoms of the last
+    /// one alone are kept.
+    [[nodiscard]] int literal(const Condition& condition, int position);
+
+    /// Literals are an algebra for conditions.
+    [[nodiscard]] int constant(bool value) const;
+    [[nodiscard]] int atom(const Condition::Token& token);
+    [[nodiscard]] static int negation(int a) { return -a; }
+    [[nodiscard]] int conjunction(int a, int b) { return -disjunction(-a, -b); }
+    [[nodiscard]] int disjunction(int a, int b);
+
+    /// Some of the literals is true.
+    [[nodiscard]] int some(std::vector<int> literals);
+
+private:
+    [[nodiscard]] int prop(uint number);
+    [[nodiscard]] int at(uint automaton, uint location) const;
+    [[nodiscard]] int enabled(uint action);
+    [[nodiscard]] int deadlock();
+
+    const Unrolling& unrolling;
+    Solver& solver;
+    int position = 0;
+    std::map<std::pair<Condition::Term, uint>, int> atoms; // at the position
+    std::map<uint, std::vector<NetTimedModel::Location>> carriers; // of the propositions asked for
+};

@@ -1,0 +1,97 @@
+#include "run.h"
+
+#include "property.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Calls use with the participant's automaton and its move, for each participant.
+template <class Use>
+void forEachMove(const Tables& tables, const Taken& taken, Use&& use) {
+    const uint begin = tables.participantsBegin(taken.action);
+    for (std::size_t i = 0; i < taken.moves.size(); ++i) {
+        use(tables.participants[begin + i].automaton, tables.moves[taken.moves[i]]);
+    }
+}
+
+/// Calls use with each change of state that an action makes.
+template <class Use>
+void forEachChange(const Tables& tables, const Taken& taken, Use&& use) {
+    forEachMove(tables, taken, [&](uint a, const Tables::Move& move) {
+        if (move.source == move.target) return;
+        use(Change{tables.automata[a].number, tables.locations[move.source].number,
+                   tables.locations[move.target].number});
+    });
+}
+
+/// The automata that a condition looks at.
+std::vector<bool> lookedAt(const Tables& tables, const Condition& condition) {
+    using Term = Condition::Term;
+    std::vector<bool> needed(tables.automata.size());
+    std::set<uint> props;
+    std::set<uint> automata;
+    for (const Condition::Token& token : condition.tokens) {
+        if (token.term == Term::deadlock) needed.assign(needed.size(), true);
+        if (token.term == Term::prop) props.insert(token.number);
+        if (token.term == Term::at) automata.insert(token.number);
+        if (token.term != Term::enabled) continue;
+        const auto x = tables.action(token.number);
+        if (!x) continue;
+        for (uint p = tables.participantsBegin(*x); p < tables.actions[*x].participantsEnd; ++p) {
+            needed[tables.participants[p].automaton] = true;
+        }
+    }
+    for (const auto& [location, prop] : tables.model.valuation) {
+        if (props.contains(prop)) automata.insert(location.first);
+    }
+    for (std::size_t a = 0; a < needed.size(); ++a) {
+        if (automata.contains(tables.automata[a].number)) needed[a] = true;
+    }
+    return needed;
+}
+
+/// The number of actions ahead of the first state where the condition holds.
+std::size_t firstMet(const Tables& tables, const Run& run, const Condition& condition) {
+    Property property(tables.model, condition);
+    std::size_t position = 0;
+    for (; position < run.size() && !property.holds(); ++position) {
+        forEachChange(tables, run[position], [&](const Change& c) { property.change(c); });
+    }
+    return position;
+}
+
+} // namespace
+
+Path pathOf(const Tables& tables, const Run& run) {
+    Path path{static_cast<int>(run.size()), initialState(tables.model), {}};
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        forEachChange(tables, run[i], [&](const Change& change) {
+            path.changes.push_back({static_cast<int>(i) + 1, change});
+        });
+    }
+    return path;
+}
+
+Run shortened(const Tables& tables, Run run, const Condition& condition, std::size_t least) {
+    const std::size_t met = firstMet(tables, run, condition);
+    run.resize(std::min(run.size(), std::max(met, least)));
+    if (met < least) return run;
+    std::vector<bool> needed = lookedAt(tables, condition);
+    std::vector<bool> stays(run.size());
+    std::size_t left = run.size();
+    for (std::size_t i = run.size(); i-- > 0;) {
+        bool stay = left <= least;
+        forEachMove(tables, run[i], [&](uint a, const Tables::Move& move) {
+            stay = stay || (needed[a] && move.source != move.target);
+        });
+        stays[i] = stay;
+        if (!stay) --left;
+        if (stay) forEachMove(tables, run[i], [&](uint a, const auto&) { needed[a] = true; });
+    }
+    Run kept;
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        if (stays[i]) kept.push_back(std::move(run[i]));
+    }
+    return kept;
+}
