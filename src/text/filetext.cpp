@@ -2,6 +2,7 @@
 
 #include "lines.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <utility>
