@@ -6,13 +6,14 @@
 #include "fatal.h"
 #include "filenames.h"
 #include "filetext.h"
-#include "outputfile.h"
 #include "pathlength.h"
 #include "sweep.h"
 
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -20,6 +21,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -67,12 +69,6 @@ std::string defaultSolver() {
           "--solver");
 }
 
-bool writeFile(const fs::path& file, const std::string& text) {
-    OutputFile out(file);
-    out.write(text);
-    return out.close();
-}
-
 /// The sweep in a directory of its own, which is gone when it comes back.
 Result swept(const Task& task, const Input& input) {
     Children children;
@@ -80,15 +76,15 @@ Result swept(const Task& task, const Input& input) {
     const fs::path temporary = place == nullptr || *place == '\0' ? "/tmp" : place;
     const fs::path parent = task.keep.empty() ? temporary : task.keep;
     const TemporaryDirectory directory(parent, command.name);
-    if (!writeFile(directory.path / (task.network + ".in"), input.network) ||
-        !writeFile(directory.path / (task.formula + ".in"), input.formula)) {
-        return {Verdict::refused, {}, "cannot write in " + parent.string(), 0};
+    for (const auto& [name, text] :
+         {std::pair(task.network, input.network), std::pair(task.formula, input.formula)}) {
+        const std::string problem = writeFile(directory.path / (name + inputSuffix), text);
+        if (!problem.empty()) return {Outcome::refused, {}, problem, 0, {}};
     }
     if (!task.keep.empty()) {
         // Each run adds its line to the file that the link leads to.
-        const char* const timeFile = "tervoxaltime.out";
         std::error_code ignored;
-        fs::create_symlink(task.keep / timeFile, directory.path / timeFile, ignored);
+        fs::create_symlink(task.keep / timeFileName, directory.path / timeFileName, ignored);
     }
     return sweep(task, children, directory.path);
 }
@@ -122,14 +118,19 @@ int main(int argc, char* argv[]) {
         task.keep = fs::absolute(call.value("keep", ""), problem);
         fs::create_directories(task.keep, problem);
         if (problem) error("cannot make " + task.keep.string() + ": " + problem.message());
+        const fs::path timeFile = task.keep / timeFileName;
+        errno = 0;
+        if (!std::ofstream(timeFile, std::ios::app)) {
+            error("cannot write " + timeFile.string() + ": " + std::strerror(errno));
+        }
     }
 
     const Result result = swept(task, input);
     if (result.signal != 0) dieBy(result.signal);
-    switch (result.verdict) {
-    case Verdict::none: std::cerr << result.text + '\n'; return finished(20);
-    case Verdict::path: std::cout << result.text; return finished(10);
-    case Verdict::refused: break;
+    switch (result.outcome) {
+    case Outcome::none: std::cerr << result.text + '\n'; return finished(20);
+    case Outcome::path: std::cout << result.text; return finished(10);
+    case Outcome::refused: break;
     }
     error(result.text);
 }

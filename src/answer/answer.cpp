@@ -6,12 +6,10 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <optional>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -32,16 +30,6 @@ std::optional<Verdict> verdictOf(std::string_view text) {
         if (text == form) return verdict;
     }
     return std::nullopt;
-}
-
-/// Takes the first word off the text.
-std::string_view takeWord(std::string_view& text) {
-    text = trimmed(text);
-    std::size_t size = 0;
-    while (size < text.size() && !isBlank(text[size])) ++size;
-    const std::string_view word = text.substr(0, size);
-    text.remove_prefix(size);
-    return word;
 }
 
 class AnswerReader {
@@ -95,9 +83,7 @@ private:
         model = true;
         for (std::string_view word; !(word = takeWord(text)).empty();) {
             int literal = 0;
-            const char* const end = word.data() + word.size();
-            const auto parsed = std::from_chars(word.data(), end, literal);
-            if (parsed.ec != std::errc() || parsed.ptr != end ||
+            if (wholeNumber(word, literal) != Found::number ||
                 literal == std::numeric_limits<int>::min()) {
                 refuse("not a literal: '" + excerpt(word) + "'");
             }

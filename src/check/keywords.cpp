@@ -4,7 +4,6 @@
 #include "readable.h"
 #include "scanner.h"
 
-#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -26,9 +25,8 @@ bool misspelt(std::string_view word, std::string_view keyword, bool alone) {
 
 KeywordLine keywordLine(std::string_view line) {
     const std::string_view text = trimmed(line);
-    const auto length =
-        static_cast<std::size_t>(std::find_if(text.begin(), text.end(), isBlank) - text.begin());
-    const std::string_view word = text.substr(0, length);
+    std::string_view rest = text;
+    const std::string_view word = takeWord(rest);
     const bool indented = !line.empty() && isBlank(line.front());
     for (const std::string_view keyword : keywords) {
         const std::string slip = indented ? inQuotes(keyword) + " is indented" : "";
@@ -41,10 +39,10 @@ KeywordLine keywordLine(std::string_view line) {
         }
     }
     for (const std::string_view keyword : keywords) {
-        if (misspelt(word, keyword, length == text.size())) {
+        if (misspelt(word, keyword, rest.empty())) {
             const std::string slip =
                 "is " + inQuotes(word) + " meant to be " + inQuotes(keyword) + '?';
-            return {keyword, slip, text.substr(length)};
+            return {keyword, slip, rest};
         }
     }
     return {};

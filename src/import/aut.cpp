@@ -7,7 +7,6 @@
 #include "networkwriter.h"
 #include "scanner.h"
 
-#include <charconv>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -16,7 +15,6 @@
 #include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 
 namespace {
 
@@ -24,11 +22,8 @@ constexpr unsigned long largest = std::numeric_limits<int>::max();
 
 /// A decimal number, alone but for blanks around it.
 std::optional<unsigned long> numberIn(std::string_view text) {
-    text = trimmed(text);
     unsigned long n = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, n);
-    if (parsed.ec != std::errc() || parsed.ptr != end) return std::nullopt;
+    if (wholeNumber(trimmed(text), n) != Found::number) return std::nullopt;
     return n;
 }
 

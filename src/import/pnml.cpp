@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
-#include <charconv>
 #include <cstddef>
 #include <expat.h>
 #include <filesystem>
@@ -17,7 +16,6 @@
 #include <initializer_list>
 #include <memory>
 #include <string_view>
-#include <system_error>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -386,14 +384,9 @@ void Reader::endText() {
 
 void Reader::endUnitPlaces() {
     const auto unit = static_cast<uint>(draft->units.size() - 1);
-    for (std::size_t i = 0; i < text.size();) {
-        std::size_t end = i;
-        while (end < text.size() && !isBlank(text[end])) ++end;
-        if (end > i) {
-            const std::string_view place = std::string_view(text).substr(i, end - i);
-            draft->members.push_back({unit, draft->nodeOf(place), line()});
-        }
-        i = end + 1;
+    std::string_view rest = text;
+    for (std::string_view place; !(place = takeWord(rest)).empty();) {
+        draft->members.push_back({unit, draft->nodeOf(place), line()});
     }
 }
 
@@ -401,11 +394,10 @@ bool Reader::isOne(const std::string& what, unsigned int least) {
     valued = true;
     const std::string_view digits = trimmed(text);
     unsigned int n = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto parsed = std::from_chars(digits.data(), end, n);
-    if (parsed.ptr != end || parsed.ec == std::errc::invalid_argument) {
+    const Found found = wholeNumber(digits, n);
+    if (found == Found::nothing) {
         refuse(what + " is no number: " + shown(digits));
-    } else if (parsed.ec != std::errc() || n > 1 || n < least) {
+    } else if (found == Found::tooLarge || n > 1 || n < least) {
         refuse(what + " of " + shown(digits) + ": in a safe net it is " +
                (least == 0 ? "0 or 1" : "1"));
     }

@@ -1,21 +1,22 @@
 #include "children.h"
 
+#include "directories.h"
+#include "filetext.h"
+#include "processtree.h"
+
 #include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
-#include <filesystem>
 #include <fstream>
-#include <map>
-#include <sstream>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
 
 namespace {
+
+using Clock = std::chrono::steady_clock;
 
 /// The rest of a child that cannot run its program.
 [[noreturn]] void giveUp(const std::string& what) {
@@ -49,35 +50,25 @@ void redirect(const std::string& file, int flags, int target) {
 
 /// The signal of the set that came within the time, or at all if none is given; 0 or less where
 /// none did.
-int taken(const sigset_t& set, std::optional<std::chrono::steady_clock::duration> time) {
+int taken(const sigset_t& set, std::optional<Clock::duration> time) {
     if (!time) return sigwaitinfo(&set, nullptr);
     const auto nanoseconds = std::chrono::nanoseconds(*time).count();
     const timespec timeout{.tv_sec = nanoseconds / 1000000000, .tv_nsec = nanoseconds % 1000000000};
     return sigtimedwait(&set, nullptr, &timeout);
 }
 
-/// The children, their children, and so on.
-std::set<pid_t> withDescendants(std::set<pid_t> children) {
-    std::multimap<pid_t, pid_t> byParent;
-    std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc", ignored)) {
-        // "PID (NAME) STATE PARENT ...", and the name may hold anything.
-        std::ifstream in(entry.path() / "stat");
-        std::string line;
-        std::getline(in, line, '\0');
-        std::istringstream fields(line.substr(line.rfind(')') + 1));
-        std::string state;
-        pid_t parent = 0;
-        if (fields >> state >> parent) byParent.emplace(parent, std::atoi(line.c_str()));
-    }
-    for (std::vector<pid_t> open(children.begin(), children.end()); !open.empty();) {
-        const auto [first, last] = byParent.equal_range(open.back());
-        open.pop_back();
-        for (auto child = first; child != last; ++child) {
-            if (children.insert(child->second).second) open.push_back(child->second);
-        }
-    }
-    return children;
+constexpr auto patience = std::chrono::seconds(1);
+/// How often those are looked for that have been killed and are not gone.
+constexpr auto tick = std::chrono::milliseconds(50);
+
+/// Those of the processes that are still below this one, and what is below them. An orphan is: this
+/// process adopts it.
+std::set<pid_t> living(std::set<pid_t> processes) {
+    const ProcessTree tree;
+    processes.merge(tree.below(processes));
+    const std::set<pid_t> ours = tree.below({getpid()});
+    std::erase_if(processes, [&](pid_t process) { return !ours.contains(process); });
+    return processes;
 }
 
 } // namespace
@@ -90,21 +81,26 @@ Children::Children() {
         }
     }
     std::signal(SIGCHLD, SIG_DFL);
-    // A file that reaches its size limit is a write that fails.
-    std::signal(SIGXFSZ, SIG_IGN);
-    sigemptyset(&enders);
-    for (const int ender : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    sigemptyset(&requests);
+    for (const int request : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) {
         struct sigaction action {};
-        sigaction(ender, nullptr, &action);
-        if (action.sa_handler != SIG_IGN) sigaddset(&enders, ender);
+        sigaction(request, nullptr, &action);
+        if (action.sa_handler != SIG_IGN) sigaddset(&requests, request);
     }
-    awaited = enders;
+    awaited = requests;
     sigaddset(&awaited, SIGCHLD);
     sigprocmask(SIG_BLOCK, &awaited, &before);
+    // What this process ran before it was this program is not ours, nor are the orphans of that.
+    adopts = ProcessTree().below({getpid()}).empty();
+    if (adopts) prctl(PR_SET_CHILD_SUBREAPER, 1);
 }
 
 Children::~Children() {
     end(std::set(running));
+    if (adopts) {
+        endProcesses({}, ProcessTree().below({getpid()}), Clock::now());
+        prctl(PR_SET_CHILD_SUBREAPER, 0);
+    }
     sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -125,7 +121,7 @@ pid_t Children::start(const Launch& launch) {
 }
 
 std::optional<Event> Children::ended() {
-    while (!running.empty()) {
+    for (;;) {
         siginfo_t info{};
         if (waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == 0) break;
         const pid_t child = info.si_pid;
@@ -133,7 +129,7 @@ std::optional<Event> Children::ended() {
         const bool ours = running.erase(child) > 0;
         if (ours) kill(-child, SIGKILL);
         waitpid(child, nullptr, 0);
-        if (!ours) continue; // a child of whatever this process ran before
+        if (!ours) continue; // an orphan
         return Event{.child = child,
                      .status = info.si_status + (info.si_code == CLD_EXITED ? 0 : 128)};
     }
@@ -141,10 +137,14 @@ std::optional<Event> Children::ended() {
 }
 
 Event Children::wait(std::optional<std::chrono::milliseconds> time) {
-    using Clock = std::chrono::steady_clock;
-    const auto until = Clock::now() + time.value_or(std::chrono::milliseconds(0));
+    auto until = Clock::now() + time.value_or(std::chrono::milliseconds(0));
+    int signal = taken(requests, Clock::duration(0));
     for (;;) {
-        if (const int signal = taken(enders, Clock::duration(0)); signal > 0) {
+        if (signal == SIGTSTP) {
+            const auto begin = Clock::now();
+            stop();
+            until += Clock::now() - begin;
+        } else if (signal > 0 && signal != SIGCHLD) {
             return {.signal = signal};
         }
         if (!unseen.empty()) {
@@ -156,65 +156,89 @@ Event Children::wait(std::optional<std::chrono::milliseconds> time) {
         std::optional<Clock::duration> left;
         if (time) left = until - Clock::now();
         if (left && left->count() <= 0) return {};
-        if (const int signal = taken(awaited, left); signal > 0 && signal != SIGCHLD) {
-            return {.signal = signal};
-        }
+        signal = taken(awaited, left);
     }
 }
 
 void Children::end(const std::set<pid_t>& children) {
-    const auto signalAll = [&](int signal) {
-        for (const pid_t child : children) {
-            if (running.contains(child)) kill(-child, signal);
-        }
-    };
     if (children.empty()) return;
-    // Some commands, timeout among them, move to a group of their own.
-    for (const pid_t process : withDescendants(children)) kill(process, SIGTERM);
-    signalAll(SIGTERM);
-    signalAll(SIGCONT); // a stopped process takes no other signal
+    const std::set<pid_t> below = ProcessTree().below(children);
+    signalAll(children, below, SIGTERM);
+    signalAll(children, below, SIGCONT); // a stopped process takes no other signal
+    endProcesses(children, below, Clock::now() + patience);
+    std::erase_if(unseen, [&](const Event& event) { return children.contains(event.child); });
+}
+
+/// Waits for the end of the children and of what was below them. From the given time on they are
+/// killed, again and again: a process may start another one meanwhile.
+void Children::endProcesses(const std::set<pid_t>& children, std::set<pid_t> below,
+                            Clock::time_point kill) {
     sigset_t childEnds{};
     sigemptyset(&childEnds);
     sigaddset(&childEnds, SIGCHLD);
-    using Clock = std::chrono::steady_clock;
-    const auto patience = Clock::now() + std::chrono::seconds(1);
-    std::optional<Clock::duration> left = patience - Clock::now();
-    while (std::any_of(children.begin(), children.end(),
-                       [&](pid_t child) { return running.contains(child); })) {
-        if (const auto event = ended()) {
+    for (;;) {
+        while (const auto event = ended()) {
             if (!children.contains(event->child)) unseen.push_back(*event);
-            continue;
         }
-        if (left) left = patience - Clock::now();
-        if (left && left->count() <= 0) {
-            signalAll(SIGKILL);
-            left.reset();
+        const bool childrenRun = std::any_of(children.begin(), children.end(),
+                                             [&](pid_t child) { return running.contains(child); });
+        const auto left = kill - Clock::now();
+        if (!childrenRun || left.count() <= 0) {
+            below = living(below);
+            // What cannot be killed has another owner.
+            if (!childrenRun && (below.empty() || left < -patience)) return;
         }
-        [[maybe_unused]] const int signal = taken(childEnds, left);
+        if (left.count() <= 0) signalAll(children, below, SIGKILL);
+        [[maybe_unused]] const int signal = taken(childEnds, left.count() > 0 ? left : tick);
     }
-    std::erase_if(unseen, [&](const Event& event) { return children.contains(event.child); });
+}
+
+/// Stops the children and this process, until it is continued.
+void Children::stop() {
+    const std::set<pid_t> below = ProcessTree().below(running);
+    signalAll(running, below, SIGSTOP);
+    sigset_t signals{};
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTSTP);
+    std::raise(SIGTSTP);
+    sigprocmask(SIG_UNBLOCK, &signals, nullptr); // here it stops
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+    signalAll(running, below, SIGCONT);
+}
+
+/// Signals the groups of the children, and those below them: some commands, timeout among them,
+/// move to a group of their own.
+void Children::signalAll(const std::set<pid_t>& children, const std::set<pid_t>& below,
+                         int signal) const {
+    for (const pid_t process : below) kill(process, signal);
+    for (const pid_t child : children) {
+        if (running.contains(child)) kill(-child, signal);
+    }
 }
 
 std::string notStarted(const Launch& launch) {
     return "cannot start " + launch.words.front() + ": " + std::strerror(errno);
 }
 
+std::string lastMessage(const std::filesystem::path& log) {
+    const std::string problem = unwritable(log.parent_path());
+    return problem.empty() ? lastLine(log) : problem;
+}
+
 std::string howEnded(const std::string& who, int status, const std::filesystem::path& log) {
-    const std::string line = lastLine(log);
+    const std::string line = lastMessage(log);
     return who + " ended with status " + std::to_string(status) +
            (status > 128 ? " (" + std::string(strsignal(status - 128)) + ")" : "") +
            (line.empty() ? "" : ": " + line);
 }
 
-std::string lastLine(const std::filesystem::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    in.seekg(0, std::ios::end);
-    in.seekg(std::max<std::streamoff>(0, in.tellg() - std::streamoff(4096)));
-    std::string last;
+std::vector<std::string> warnings(const std::filesystem::path& log) {
+    std::ifstream in(log, std::ios::binary);
+    std::vector<std::string> found;
     for (std::string line; std::getline(in, line);) {
-        if (!line.empty()) last = line;
+        if (line.starts_with("warning: ")) found.push_back(line);
     }
-    return last;
+    return found;
 }
 
 void dieBy(int signal) {

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <sstream>
 #include <system_error>
 #include <unistd.h>
@@ -31,6 +32,23 @@ TemporaryDirectory::TemporaryDirectory(const std::filesystem::path& parent,
 TemporaryDirectory::~TemporaryDirectory() {
     std::error_code ignored;
     std::filesystem::remove_all(path, ignored);
+}
+
+std::string writeFile(const std::filesystem::path& file, const std::string& text) {
+    errno = 0;
+    std::ofstream out(file, std::ios::binary);
+    out << text;
+    out.close();
+    if (out) return "";
+    return "cannot write in " + file.parent_path().string() + ": " + std::strerror(errno);
+}
+
+std::string unwritable(const std::filesystem::path& directory) {
+    const std::filesystem::path probe = directory / "probe";
+    std::string problem = writeFile(probe, std::string(4096, '\n'));
+    std::error_code ignored;
+    std::filesystem::remove(probe, ignored);
+    return problem;
 }
 
 std::string onPath(const std::string& command) {

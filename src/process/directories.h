@@ -18,6 +18,11 @@ public:
     std::filesystem::path path; // absolute
 };
 
+/// Writes a file in place of what is there. Gives what went wrong, or an empty text.
+[[nodiscard]] std::string writeFile(const std::filesystem::path& file, const std::string& text);
+/// Tries to write a file of 4 KiB in the directory. Gives what went wrong, or an empty text.
+[[nodiscard]] std::string unwritable(const std::filesystem::path& directory);
+
 /// The absolute file of a command, as a shell would find it on PATH; empty if it is not there.
 [[nodiscard]] std::string onPath(const std::string& command);
 /// The absolute file of a command that is installed together with this one: the one beside this

@@ -1,7 +1,10 @@
 #include "sweep.h"
 
 #include "amounts.h"
+#include "filenames.h"
+#include "filetext.h"
 
+#include <array>
 #include <fstream>
 #include <iostream>
 #include <map>
@@ -9,10 +12,25 @@
 #include <sstream>
 #include <sys/types.h>
 #include <system_error>
+#include <utility>
 
 namespace {
 
 namespace fs = std::filesystem;
+
+// The files of one length, named as those of a run: what is kept, and what is not.
+constexpr const char* answerSuffix = ".answer"; // what tervoxal-path reads
+constexpr const char* logSuffix = ".log";       // what else the solver prints
+constexpr std::array<const char*, 4> kept = {clauseSuffix, sideSuffix, answerSuffix, logSuffix};
+constexpr const char* progressSuffix = ".progress"; // of tervoxal
+constexpr const char* pathSuffix = ".path";
+constexpr const char* refusalSuffix = ".refusal"; // what else tervoxal-path prints
+constexpr std::array<const char*, 3> working = {progressSuffix, pathSuffix, refusalSuffix};
+
+bool isThere(const fs::path& file) {
+    std::error_code ignored;
+    return fs::exists(file, ignored);
+}
 
 /// MiniSat prints no model: it writes one to the file that is its second argument.
 bool isMinisat(const std::string& solver) {
@@ -43,7 +61,7 @@ public:
 
 private:
     [[nodiscard]] std::string name(long k, const char* suffix) const {
-        return task.network + "k" + std::to_string(k) + suffix;
+        return runName(task.network, std::to_string(k)) + suffix;
     }
     [[nodiscard]] fs::path file(long k, const char* suffix) const {
         return directory / name(k, suffix);
@@ -51,7 +69,7 @@ private:
     void startStage(const Length& length);
     [[nodiscard]] Launch launch(const Length& length) const;
     void endStage(Length length, int status);
-    void settle(const Length& length, Verdict verdict, const std::string& text);
+    void settle(const Length& length, Outcome outcome, const std::string& text);
     [[nodiscard]] std::string putAway(long k) const;
     void report();
 
@@ -63,6 +81,7 @@ private:
     long next;
     long last;
     long unreported;
+    std::set<std::string> warned;
 };
 
 Result Sweep::run() {
@@ -76,7 +95,7 @@ Result Sweep::run() {
             std::set<pid_t> all;
             for (const auto& [child, length] : running) all.insert(child);
             children.end(all);
-            return {Verdict::none, {}, "", event.signal};
+            return {Outcome::none, {}, "", event.signal, {}};
         }
         const Length length = running.at(event.child);
         running.erase(event.child);
@@ -84,11 +103,12 @@ Result Sweep::run() {
         report();
     }
     if (results.contains(last)) return results.at(last);
-    return {Verdict::none,
+    return {Outcome::none,
             {},
             "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
                 steps(last) + "; this says nothing of longer ones",
-            0};
+            0,
+            {}};
 }
 
 Launch Sweep::launch(const Length& length) const {
@@ -98,13 +118,14 @@ Launch Sweep::launch(const Length& length) const {
         return {{task.tervoxal, task.network, task.formula, std::to_string(k)},
                 directory,
                 "/dev/null",
-                file(k, ".progress")};
+                file(k, progressSuffix)};
     case Length::Stage::solver: {
         // It runs where the user is, so that the command may name files there.
-        Launch solver{{"/bin/sh", "-c", "exec " + task.solver + " \"$@\"", "sh", file(k, ".cnf")},
-                      "",
-                      file(k, ".answer"),
-                      file(k, ".log")};
+        Launch solver{
+            {"/bin/sh", "-c", "exec " + task.solver + " \"$@\"", "sh", file(k, clauseSuffix)},
+            "",
+            file(k, answerSuffix),
+            file(k, logSuffix)};
         if (isMinisat(task.solver)) {
             solver.words.push_back(solver.out);
             solver.out = "/dev/null";
@@ -114,10 +135,10 @@ Launch Sweep::launch(const Length& length) const {
     case Length::Stage::path: break;
     }
     return {{task.tervoxalPath, "--format=" + task.format, "--", task.network, task.formula,
-             std::to_string(k), name(k, ".answer")},
+             std::to_string(k), name(k, answerSuffix)},
             directory,
-            file(k, ".path"),
-            file(k, ".refusal")};
+            file(k, pathSuffix),
+            file(k, refusalSuffix)};
 }
 
 void Sweep::startStage(const Length& length) {
@@ -125,24 +146,25 @@ void Sweep::startStage(const Length& length) {
     if (const pid_t pid = children.start(child); pid != 0) {
         running.emplace(pid, length);
     } else {
-        settle(length, Verdict::refused, notStarted(child));
+        settle(length, Outcome::refused, notStarted(child));
     }
 }
 
 void Sweep::endStage(Length length, int status) {
     const long k = length.k;
-    const auto noVerdict = [&](const std::string& why) {
-        settle(length, Verdict::refused, "k = " + std::to_string(k) + ": " + why);
+    const auto noOutcome = [&](const std::string& why) {
+        settle(length, Outcome::refused, "k = " + std::to_string(k) + ": " + why);
     };
 
     switch (length.stage) {
     case Length::Stage::translation:
-        if (const std::string line = lastLine(file(k, ".progress")); status == 1 && !line.empty()) {
-            settle(length, Verdict::refused, line);
+        if (const std::string line = lastMessage(file(k, progressSuffix));
+            status == 1 && !line.empty()) {
+            settle(length, Outcome::refused, line);
         } else if (status != 0) {
-            noVerdict(howEnded("tervoxal", status, file(k, ".progress")));
-        } else if (!fs::exists(file(k, ".cnf")) || !fs::exists(file(k, ".lck"))) {
-            noVerdict("the clauses cannot be written in " + directory.parent_path().string());
+            noOutcome(howEnded("tervoxal", status, file(k, progressSuffix)));
+        } else if (!isThere(file(k, clauseSuffix)) || !isThere(file(k, sideSuffix))) {
+            noOutcome("the clauses cannot be written in " + directory.parent_path().string());
         } else {
             length.stage = Length::Stage::solver;
             startStage(length);
@@ -150,7 +172,7 @@ void Sweep::endStage(Length length, int status) {
         return;
     case Length::Stage::solver:
         if (status != 0 && status != 10 && status != 20) {
-            noVerdict(howEnded("the solver", status, file(k, ".log")));
+            noOutcome(howEnded("the solver", status, file(k, logSuffix)));
         } else {
             length.solverStatus = status;
             length.stage = Length::Stage::path;
@@ -160,31 +182,35 @@ void Sweep::endStage(Length length, int status) {
     case Length::Stage::path: break;
     }
     if (status == 0) {
-        noVerdict("the solver gives no answer");
+        noOutcome("the solver gives no answer");
     } else if (status == 1) {
-        noVerdict("the solver's answer is refused: " + lastLine(file(k, ".refusal")));
+        noOutcome("the solver's answer is refused: " + lastMessage(file(k, refusalSuffix)));
     } else if (status != 10 && status != 20) {
-        noVerdict(howEnded("tervoxal-path", status, file(k, ".refusal")));
+        noOutcome(howEnded("tervoxal-path", status, file(k, refusalSuffix)));
     } else if (length.solverStatus != 0 && length.solverStatus != status) {
-        noVerdict("the solver ended with status " + std::to_string(length.solverStatus) +
+        noOutcome("the solver ended with status " + std::to_string(length.solverStatus) +
                   ", but its output says otherwise");
     } else if (status == 20) {
-        settle(length, Verdict::none, "");
+        settle(length, Outcome::none, "");
     } else {
-        std::ostringstream path;
-        path << std::ifstream(file(k, ".path"), std::ios::binary).rdbuf();
-        settle(length, Verdict::path, path.str());
+        std::ifstream path(file(k, pathSuffix), std::ios::binary);
+        settle(length, Outcome::path, wholeText(path));
     }
 }
 
-void Sweep::settle(const Length& length, Verdict verdict, const std::string& text) {
+void Sweep::settle(const Length& length, Outcome outcome, const std::string& text) {
     Result& result = results[length.k];
-    result = {verdict, std::chrono::steady_clock::now() - length.begin, text, 0};
+    result = {outcome, std::chrono::steady_clock::now() - length.begin, text, 0, {}};
+    for (const char* suffix : {progressSuffix, refusalSuffix}) {
+        for (std::string& line : warnings(file(length.k, suffix))) {
+            result.warnings.push_back(std::move(line));
+        }
+    }
     if (const std::string problem = putAway(length.k); !problem.empty()) {
-        result.verdict = Verdict::refused;
+        result.outcome = Outcome::refused;
         result.text = problem;
     }
-    if (result.verdict == Verdict::none) return;
+    if (result.outcome == Outcome::none) return;
     last = length.k;
     std::set<pid_t> cancelled;
     for (const auto& [child, other] : running) {
@@ -196,20 +222,20 @@ void Sweep::settle(const Length& length, Verdict verdict, const std::string& tex
 
 /// Keeps or removes the files of a length. Gives what went wrong, or an empty text.
 std::string Sweep::putAway(long k) const {
-    for (const char* suffix : {".cnf", ".lck", ".answer", ".log"}) {
-        if (task.keep.empty() || !fs::exists(file(k, suffix))) continue;
+    for (const char* suffix : kept) {
+        if (task.keep.empty()) break;
         std::error_code problem;
-        fs::rename(file(k, suffix), task.keep / name(k, suffix), problem);
+        if (fs::exists(file(k, suffix), problem)) {
+            fs::rename(file(k, suffix), task.keep / name(k, suffix), problem);
+        }
         if (problem) {
             return "cannot keep " + (task.keep / name(k, suffix)).string() + ": " +
                    problem.message();
         }
     }
-    for (const char* suffix :
-         {".cnf", ".lck", ".answer", ".log", ".progress", ".path", ".refusal"}) {
-        std::error_code ignored;
-        fs::remove(file(k, suffix), ignored);
-    }
+    std::error_code ignored;
+    for (const char* suffix : kept) fs::remove(file(k, suffix), ignored);
+    for (const char* suffix : working) fs::remove(file(k, suffix), ignored);
     return "";
 }
 
@@ -217,12 +243,15 @@ std::string Sweep::putAway(long k) const {
 void Sweep::report() {
     for (; results.contains(unreported) && unreported <= last; ++unreported) {
         const Result& result = results.at(unreported);
-        if (result.verdict == Verdict::refused) return;
+        for (const std::string& warning : result.warnings) {
+            if (warned.insert(warning).second) std::cerr << warning + '\n';
+        }
+        if (result.outcome == Outcome::refused) return;
         const char* const verdict =
-            result.verdict == Verdict::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
+            result.outcome == Outcome::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
         std::cerr << "k = " + std::to_string(unreported) + ": " + verdict + shown(result.time) +
                          '\n';
-        if (result.verdict == Verdict::path) return;
+        if (result.outcome == Outcome::path) return;
         results.erase(unreported);
     }
 }

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 /// What is asked, and with what.
 struct Task {
@@ -31,17 +32,18 @@ struct Task {
     std::size_t jobs = 1;       // lengths at a time, 1 or more
 };
 
-enum class Verdict { none, path, refused };
+enum class Outcome { none, path, refused };
 
 /// What came out for one length, or for all.
 struct Result {
-    Verdict verdict = Verdict::none;
+    Outcome outcome = Outcome::none;
     std::chrono::duration<double> time{0};
-    std::string text; // the path, or why there is none
-    int signal = 0;   // not 0: ended by it, ahead of any verdict
+    std::string text;                  // the path, or why there is none
+    int signal = 0;                    // not 0: ended by it, ahead of any outcome
+    std::vector<std::string> warnings; // of tervoxal and tervoxal-path
 };
 
 /// Sweeps in a directory that holds the network and the formula. A line of progress for each length
-/// goes to standard error. All children have ended when it comes back.
+/// goes to standard error, and each warning once. All children have ended when it comes back.
 [[nodiscard]] Result sweep(const Task& task, Children& children,
                            const std::filesystem::path& directory);

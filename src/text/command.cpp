@@ -1,17 +1,16 @@
 #include "command.h"
 
 #include "fatal.h"
+#include "scanner.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <getopt.h>
 #include <iostream>
 #include <string_view>
-#include <system_error>
 
 namespace {
 
@@ -93,9 +92,7 @@ long CommandLine::number(const std::string& option, long least, long most, long 
 long CommandLine::numberIn(const std::string& text, const std::string& what, long least,
                            long most) const {
     long n = 0;
-    const char* const end = text.data() + text.size();
-    const auto parsed = std::from_chars(text.data(), end, n);
-    if (parsed.ec != std::errc() || parsed.ptr != end || n < least || n > most) {
+    if (wholeNumber(text, n) != Found::number || n < least || n > most) {
         misused(what + " needs a number from " + std::to_string(least) + " to " +
                 std::to_string(most) + ", not '" + text + "'");
     }

@@ -2,7 +2,12 @@
 
 #pragma once
 
+#include <istream>
 #include <string>
 
 /// The whole file. One that cannot be opened ends the process like openInput.
 [[nodiscard]] std::string fileText(const std::string& name);
+/// The rest of a stream.
+[[nodiscard]] std::string wholeText(std::istream& in);
+/// The last line of a file that is not empty, among its last 4 KiB; empty where there is none.
+[[nodiscard]] std::string lastLine(const std::string& name);

@@ -1,6 +1,7 @@
 #include "scanner.h"
 
 #include <charconv>
+#include <cstddef>
 #include <system_error>
 
 std::string_view trimmed(std::string_view text) {
@@ -9,9 +10,19 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
+std::string_view takeWord(std::string_view& text) {
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    std::size_t size = 0;
+    while (size < text.size() && !isBlank(text[size])) ++size;
+    const std::string_view word = text.substr(0, size);
+    text.remove_prefix(size);
+    return word;
+}
+
 void Scanner::skipWord() {
-    skipBlanks();
-    while (at != end && !isBlank(*at)) ++at;
+    std::string_view text(at, end);
+    takeWord(text);
+    at = text.data();
 }
 
 Found Scanner::number(unsigned int& n) {

@@ -6,9 +6,11 @@
 
 #pragma once
 
+#include <charconv>
 #include <string_view>
+#include <system_error>
 
-/// What a scanner found where it looked for a number.
+/// What was found where a number was looked for.
 enum class Found { number, nothing, negative, tooLarge };
 
 /// Space, tab, vertical tab, form feed or carriage return.
@@ -16,6 +18,22 @@ enum class Found { number, nothing, negative, tooLarge };
 
 /// The text without the blanks at its ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// Takes the first word off the text, and the blanks ahead of it. Empty where no word is left.
+std::string_view takeWord(std::string_view& text);
+
+/// Reads a text that is a decimal number and nothing else. Where it is none (nothing), or one that
+/// Number cannot hold (tooLarge), n stays.
+template <class Number>
+[[nodiscard]] Found wholeNumber(std::string_view text, Number& n) {
+    Number number = 0;
+    const char* const end = text.data() + text.size();
+    const auto parsed = std::from_chars(text.data(), end, number);
+    if (parsed.ptr != end || parsed.ec == std::errc::invalid_argument) return Found::nothing;
+    if (parsed.ec != std::errc()) return Found::tooLarge;
+    n = number;
+    return Found::number;
+}
 
 /// A place in a line, which must outlive this.
 class Scanner {

@@ -1,9 +1,12 @@
 #include "children.h"
 
+#include "filetext.h"
 #include "support.h"
 
 #include <cerrno>
+#include <csignal>
 #include <map>
+#include <sys/wait.h>
 #include <thread>
 
 namespace {
@@ -28,17 +31,20 @@ protected:
             std::this_thread::sleep_for(2ms);
         }
     }
-    /// Whether the process whose number the child wrote is gone soon, or a zombie.
-    [[nodiscard]] bool isGone() const {
+    /// Whether the process whose number the child wrote is in one of the states soon: as ps shows
+    /// them, and - for none.
+    [[nodiscard]] bool comesTo(const std::string& states) const {
         for (const auto until = steady_clock::now() + 10s; steady_clock::now() < until;) {
             std::ifstream in("/proc/" + std::to_string(std::stoi(scratch.read("out"))) + "/stat");
             std::string line;
             std::getline(in, line);
-            if (!in || line.find(") Z") != std::string::npos) return true;
+            const char state = in ? line.at(line.rfind(')') + 2) : '-';
+            if (states.find(state) != std::string::npos) return true;
             std::this_thread::sleep_for(2ms);
         }
         return false;
     }
+    [[nodiscard]] bool isGone() const { return comesTo("Z-"); }
 
     Scratch scratch;
     Children children;
@@ -130,6 +136,38 @@ TEST_F(ChildrenTest, endWithTheirDescendantsAndWhenStopped) {
     waitForLines(1);
     children.end({stopped});
     EXPECT_EQ(scratch.read("out"), "\nend\n");
+    // A session of its own, deaf, and without the one that started it.
+    scratch.write("out", "");
+    const pid_t away = shell("setsid sh -c 'trap \"\" TERM; echo $$; sleep 100' & wait");
+    waitForLines(1);
+    children.end({away});
+    EXPECT_TRUE(comesTo("-"));
+}
+
+TEST_F(ChildrenTest, stopAndGoOnWithTheirParent) {
+    const pid_t parent = fork();
+    if (parent == 0) {
+        setpgid(0, 0);
+        {
+            Children own;
+            const std::string busy = "timeout 100 sh -c 'echo $$; while :; do :; done'";
+            if (own.start({{"/bin/sh", "-c", busy}, "", out(), err()}) == 0) _exit(1);
+            if (own.wait().signal != SIGTERM) _exit(2);
+        }
+        _exit(0);
+    }
+    waitForLines(1);
+    kill(parent, SIGTSTP);
+    int status = 0;
+    EXPECT_EQ(waitpid(parent, &status, WUNTRACED), parent);
+    EXPECT_TRUE(WIFSTOPPED(status));
+    EXPECT_TRUE(comesTo("T"));
+    kill(parent, SIGCONT);
+    EXPECT_TRUE(comesTo("R"));
+    kill(parent, SIGTERM);
+    EXPECT_EQ(waitpid(parent, &status, 0), parent);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(comesTo("-"));
 }
 
 TEST(ChildrenDeathTest, takeTheirSignalsAlong) {
