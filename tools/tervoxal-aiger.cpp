@@ -27,7 +27,9 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));
     model.readFormula(inputName(line.operands[1]));
-    Circuit circuit = reachability(model, conditionOf(*model.form));
+    Circuit circuit = reachability(model, reachedCondition(*model.form));
+    nameSymbols(circuit, model, names);
+    showAIGER(std::cout, circuit, line.has("ascii"));
     nameSymbols(circuit, model, names);
     showAIGER(std::cout, circuit, line.has("ascii"));
     return finished(0);

@@ -23,6 +23,7 @@ Choices::Moves::const_iterator endOfSource(const Choices::Moves& moves,
 Choices::Choices(const NetTimedModel& model)
     : action{0, widthOf(model.actionAutomata.size())}, automata(model.nrOfBits.size()) {
     for (const auto& [number, owners] : model.actionAutomata) actions.push_back(number);
+    if (actions.size() == 1) action.width = 1;
     for (const auto& [local, moves] : model.actionEdges) {
         Field& field = automata[local.first];
         for (const Move& move : choicesOf(moves)) field.width = std::max(field.width, move.width);

@@ -9,10 +9,11 @@
 //     automaton 2    likewise
 //     ...
 //
-// A field is as wide as its greatest index needs. So an automaton that nowhere has two moves with
-// one action has none, and one that has less to choose at the moment looks at the lowest bits of
-// its own. An index without an action, an action that is not possible and an index without a move
-// choose nothing.
+// A field is as wide as its greatest index needs, but a single action has a bit as well, so that a
+// path with steps has bits in each. An automaton that nowhere has two moves with one action from
+// one location has no field, and one that has less to choose at the moment looks at the lowest bits
+// of its own. An index without an action, an action that is not possible and an index without a
+// move choose nothing.
 
 #pragma once
 
