@@ -38,11 +38,16 @@ for_import=('/usr/include/expat.h=libexpat1-dev')
 for_tests=("${for_import[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
 install_toolchain() { install "${toolchain[@]}"; }
 
-# A model checker that some releases of Debian lack. Without it the tests do not ask it.
+# The model checker ABC, which is the package berkeley-abc up to bookworm and yosys-abc behind it,
+# each with the command of its name. Where there is neither, the tests do not ask it.
 install_model_checker() {
-    if apt-cache policy berkeley-abc 2>/dev/null | grep -q 'Candidate: [0-9]'; then
-        install berkeley-abc=berkeley-abc
-    fi
+    local name
+    for name in berkeley-abc yosys-abc; do
+        if apt-cache policy $name 2>/dev/null | grep -q 'Candidate: [0-9]'; then
+            install $name=$name
+            return
+        fi
+    done
 }
 
 # clang++ and its fuzzer, which has a package of its own that goes by the version of clang++.

@@ -27,9 +27,10 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));
     model.readFormula(inputName(line.operands[1]));
-    if (model.form->temporalLength() > 0) {
-        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
-    }
-    showAIGER(std::cout, reachability(model, names), line.has("ascii"));
+    Circuit circuit = reachability(model, reachedCondition(*model.form));
+    nameSymbols(circuit, model, names);
+    showAIGER(std::cout, circuit, line.has("ascii"));
+    nameSymbols(circuit, model, names);
+    showAIGER(std::cout, circuit, line.has("ascii"));
     return finished(0);
 }

@@ -1,5 +1,7 @@
 #include "condition.h"
 
+#include "fatal.h"
+
 #include <cstddef>
 #include <optional>
 
@@ -26,6 +28,15 @@ Condition conditionOf(const EctlForm& form) {
         }
     }
     return condition;
+}
+
+Condition reachedCondition(const EctlForm& form) {
+    for (const OnpNode& token : form.onp) {
+        if (token.op <= OpDis) continue;
+        error("formula: no temporal operators here, but " + operStr(token.op) +
+              "; whether a state can be reached is what is asked, so ask p in place of pEF");
+    }
+    return conditionOf(form);
 }
 
 namespace {

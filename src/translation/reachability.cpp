@@ -1,55 +1,55 @@
 #include "reachability.h"
 
-#include "evaluation.h"
 #include "fatal.h"
+#include "transitionfunction.h"
 
-#include <cstddef>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace {
 
-/// What the bits of a state are called, all differently: model checkers refuse equal symbols.
-std::vector<std::string> bitNames(const NetTimedModel& model, const Names& names) {
-    std::set<std::string> taken;
-    std::vector<std::string> bits;
-    for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
-        std::string name = names.automaton(a);
-        while (!taken.insert(name).second) name += " (automaton " + std::to_string(a) + ')';
-        for (int i = 0; i < model.nrOfBits[a]; ++i) {
-            bits.push_back(name + ".bit" + std::to_string(i));
-        }
-    }
-    return bits;
+/// Adds the names of a field's bits.
+void addBits(std::vector<std::string>& names, const std::string& field, int width) {
+    for (int i = 0; i < width; ++i) names.push_back(field + std::to_string(i));
 }
 
 } // namespace
 
-Circuit reachability(const NetTimedModel& model, const Names& names) {
-    const int bits = model.totalNrVertBits;
-    if (2L * bits >= BoolForm::maxVariable) {
-        error("a step needs " + std::to_string(2L * bits) + " variables, the limit is " +
+Circuit reachability(const NetTimedModel& model, const Condition& condition) {
+    const std::size_t variables =
+        static_cast<std::size_t>(model.totalNrVertBits) + Choices(model).bits;
+    if (variables >= BoolForm::maxVariable) {
+        error("the circuit needs " + std::to_string(variables) + " variables, the limit is " +
               std::to_string(BoolForm::maxVariable - 1));
     }
-    const SymState state = model.genSymState(1, 0);
-    const SymState nextState = model.genSymState(1 + bits, 1);
-    const BoolForm holds = Evaluation(model, conditionOf(*model.form)).value(state);
-    const BoolForm step = model.actionSucc(1, state, nextState);
-    const BoolForm wrong(1 + 2 * bits);
-
+    const TransitionFunction function(model);
     Circuit circuit;
-    const std::vector<std::string> symbols = bitNames(model, names);
-    for (int i = 0; i < bits; ++i) {
-        const std::string& symbol = symbols[static_cast<std::size_t>(i)];
-        const BoolForm next = nextState.loc[i];
-        circuit.inputs.push_back({next.nr, symbol + '\''});
-        circuit.latches.push_back({state.loc[i].nr, next, symbol});
+    for (std::size_t i = 0; i < function.choices.bits; ++i) {
+        circuit.inputs.push_back({function.variableOfChoice(i), ""});
     }
-    circuit.latches.push_back({wrong.nr, dis(wrong, neg(step)), "a wrong step"});
-    circuit.outputs.push_back({con(neg(wrong), holds), "reached"});
+    for (const BoolForm& next : function.next()) {
+        circuit.latches.push_back(
+            {TransitionFunction::variableOfState(circuit.latches.size()), next, ""});
+    }
+    circuit.outputs.push_back({function.holds(condition), ""});
+    return circuit;
+}
+
+void nameSymbols(Circuit& circuit, const NetTimedModel& model, const Names& names) {
+    const Choices choices(model);
+    std::vector<std::string> inputs;
+    std::vector<std::string> latches;
+    std::set<std::string> taken = {"action"};
+    addBits(inputs, "action.bit", choices.action.width);
+    for (uint a = 1; a < model.nrOfBits.size(); ++a) {
+        std::string name = names.automaton(a);
+        while (!taken.insert(name).second) name += " (automaton " + std::to_string(a) + ')';
+        addBits(inputs, name + ".choice", choices.automata[a].width);
+        addBits(latches, name + ".bit", model.nrOfBits[a]);
+    }
+    for (std::size_t i = 0; i < inputs.size(); ++i) circuit.inputs[i].name = inputs[i];
+    for (std::size_t i = 0; i < latches.size(); ++i) circuit.latches[i].name = latches[i];
+    circuit.outputs.front().name = "reached";
     circuit.comment =
         "Output 0 can become 1 exactly when the network can reach a state in which the "
         "formula holds.";
-    return circuit;
 }
