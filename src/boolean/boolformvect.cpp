@@ -185,14 +185,14 @@ BoolForm gt(const BoolFormVect& a, unsigned int c) { return neg(leq(a, c)); }
 BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y) {
     assert(x.len == y.len);
     BoolFormVect r(x.len, std::bitset<2048>());
+    const BoolForm lowest = notequ(x[0], y[0]); // asserts that there is one
+    r.bits[0] = lowest;
     BoolForm carry(false);
-    for (int i = 0; i < x.len; ++i) {
-        if (i > 0) {
-            const BoolForm p = con(x[i - 1], y[i - 1]);
-            const BoolForm q = con(x[i - 1], carry);
-            const BoolForm s = con(y[i - 1], carry);
-            carry = dis(dis(p, q), s);
-        }
+    for (int i = 1; i < x.len; ++i) {
+        const BoolForm p = con(x[i - 1], y[i - 1]);
+        const BoolForm q = con(x[i - 1], carry);
+        const BoolForm s = con(y[i - 1], carry);
+        carry = dis(dis(p, q), s);
         r.bits[static_cast<std::size_t>(i)] = notequ(notequ(x[i], y[i]), carry);
     }
     return r;
