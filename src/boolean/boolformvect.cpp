@@ -62,19 +62,19 @@ void BoolFormVect::reset() {
 
 BoolForm BoolFormVect::zero() const {
     BoolForm r(true);
-    for (const BoolForm& bit : bits) r = con(r, equ(bit, BoolForm(false)));
+    for (const BoolForm& bit : bits) r = con(r, equ(bit, false));
     return r;
 }
 
 BoolForm BoolFormVect::gez() const {
     BoolForm r(false);
-    for (const BoolForm& bit : bits) r = dis(r, equ(bit, BoolForm(true)));
+    for (const BoolForm& bit : bits) r = dis(r, equ(bit, true));
     return r;
 }
 
-BoolForm BoolFormVect::even() const { return equ((*this)[0], BoolForm(false)); }
+BoolForm BoolFormVect::even() const { return equ((*this)[0], false); }
 
-BoolForm BoolFormVect::odd() const { return equ((*this)[0], BoolForm(true)); }
+BoolForm BoolFormVect::odd() const { return equ((*this)[0], true); }
 
 BoolForm BoolFormVect::evenDiff(const BoolFormVect& b) const { return equ((*this)[0], b[0]); }
 
