@@ -1,5 +1,7 @@
 #include "aiger.h"
 
+#include "reached.h"
+
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
@@ -31,22 +33,11 @@ public:
         for (const Circuit::Latch& latch : circuit.latches) number(latch.variable);
         first = next;
 
-        // Operands have smaller numbers than their node: downward all that is reached is marked,
-        // and upward it is numbered.
-        std::vector<bool> reached(BoolForm::tv.size(), false);
-        const auto reach = [&](int formula) {
-            if (formula == BoolForm::trueNr) return;
-            if (std::abs(formula) > BoolForm::maxVariable) {
-                reached[indexOf(std::abs(formula))] = true;
-            }
-        };
-        for (const Circuit::Latch& latch : circuit.latches) reach(latch.next.nr);
-        for (const Circuit::Output& output : circuit.outputs) reach(output.value.nr);
-        for (std::size_t n = reached.size(); n-- > 0;) {
-            if (!reached[n]) continue;
-            reach(BoolForm::tv[n].left);
-            reach(BoolForm::tv[n].right);
-        }
+        std::vector<BoolForm> roots;
+        for (const Circuit::Latch& latch : circuit.latches) roots.push_back(latch.next);
+        for (const Circuit::Output& output : circuit.outputs) roots.push_back(output.value);
+        const std::vector<bool> reached = reachedNodes(roots, [](const Triple& /*node*/) {});
+        // Operands have smaller numbers than their node.
         for (std::size_t n = 0; n < reached.size(); ++n) {
             if (reached[n]) ofNode[n] = node(BoolForm::tv[n]);
         }

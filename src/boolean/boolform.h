@@ -82,12 +82,16 @@ private:
 /// A propositional formula: a number into the store. Copying it copies the number.
 class BoolForm {
 public:
+    // Constants and variables may stand where formulas are due: equ(bit, false).
+
     /// The constant b.
-    explicit BoolForm(bool b) : nr(b ? trueNr : 0) {}
+    BoolForm(bool b) : nr(b ? trueNr : 0) {}
     /// The variable nr. Precondition, asserted: nr > 0. The caller keeps it at most maxVariable.
-    explicit BoolForm(int nr);
+    BoolForm(int nr);
     /// Finds or creates the node (op, l, r). Precondition, asserted: op is bfCon or bfEqu. Orders
-    /// and folds nothing: that is the part of con and equ, the only callers.
+    /// and folds nothing, which is the part of con and equ. Other callers may break the last two
+    /// invariants of the store: their nodes have the right clauses, but it takes longer to make
+    /// them. Neither operand is true.
     BoolForm(const BoolForm& l, const BoolForm& r, int op);
 
     /// Whether f is the negation of this formula, constants included.

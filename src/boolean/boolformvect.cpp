@@ -62,19 +62,19 @@ void BoolFormVect::reset() {
 
 BoolForm BoolFormVect::zero() const {
     BoolForm r(true);
-    for (const BoolForm& bit : bits) r = con(r, equ(bit, BoolForm(false)));
+    for (const BoolForm& bit : bits) r = con(r, equ(bit, false));
     return r;
 }
 
 BoolForm BoolFormVect::gez() const {
     BoolForm r(false);
-    for (const BoolForm& bit : bits) r = dis(r, equ(bit, BoolForm(true)));
+    for (const BoolForm& bit : bits) r = dis(r, equ(bit, true));
     return r;
 }
 
-BoolForm BoolFormVect::even() const { return equ((*this)[0], BoolForm(false)); }
+BoolForm BoolFormVect::even() const { return equ((*this)[0], false); }
 
-BoolForm BoolFormVect::odd() const { return equ((*this)[0], BoolForm(true)); }
+BoolForm BoolFormVect::odd() const { return equ((*this)[0], true); }
 
 BoolForm BoolFormVect::evenDiff(const BoolFormVect& b) const { return equ((*this)[0], b[0]); }
 
@@ -185,14 +185,14 @@ BoolForm gt(const BoolFormVect& a, unsigned int c) { return neg(leq(a, c)); }
 BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y) {
     assert(x.len == y.len);
     BoolFormVect r(x.len, std::bitset<2048>());
+    const BoolForm lowest = notequ(x[0], y[0]); // asserts that there is one
+    r.bits[0] = lowest;
     BoolForm carry(false);
-    for (int i = 0; i < x.len; ++i) {
-        if (i > 0) {
-            const BoolForm p = con(x[i - 1], y[i - 1]);
-            const BoolForm q = con(x[i - 1], carry);
-            const BoolForm s = con(y[i - 1], carry);
-            carry = dis(dis(p, q), s);
-        }
+    for (int i = 1; i < x.len; ++i) {
+        const BoolForm p = con(x[i - 1], y[i - 1]);
+        const BoolForm q = con(x[i - 1], carry);
+        const BoolForm s = con(y[i - 1], carry);
+        carry = dis(dis(p, q), s);
         r.bits[static_cast<std::size_t>(i)] = notequ(notequ(x[i], y[i]), carry);
     }
     return r;

@@ -100,8 +100,8 @@ private:
 [[nodiscard]] BoolForm geq(const BoolFormVect& a, unsigned int c);
 [[nodiscard]] BoolForm gt(const BoolFormVect& a, unsigned int c);
 
-// Arithmetic modulo 2 to the power of the length, which is at least 1. Precondition, asserted:
-// equal lengths.
+// Arithmetic modulo 2 to the power of the length. Precondition, asserted: equal lengths, at
+// least 1.
 
 /// A ripple-carry adder.
 [[nodiscard]] BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y);

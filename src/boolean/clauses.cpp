@@ -1,6 +1,7 @@
 #include "clauses.h"
 
 #include "boolform.h"
+#include "reached.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -18,34 +19,34 @@ Clause::Clause(int x, int y, int z) : l1(x), l2(y), l3(z) {
 
 namespace {
 
-// The clauses of each gate, each written once, by the literal that they begin with when x is
-// smaller than y. The sink takes one Clause at a time.
+// The clauses of each gate, each written once. The sink takes one Clause at a time.
 
 /// x holds.
 Clause unitClause(int x) { return {x, 0, 0}; }
 
-/// z = x & y: z implies x, and likewise y.
-Clause impliedClause(int x, int z) { return {0, x, -z}; }
+/// z implies x.
+Clause impliedClause(int x, int z) { return {-z, x, 0}; }
 
-/// z = x & y: both imply z.
+/// z and x imply y.
+Clause equalClause(int x, int y, int z) { return {-z, -x, y}; }
+
+/// x and y imply z.
 Clause implyingClause(int x, int y, int z) { return {-x, -y, z}; }
 
-/// z = (x = y): the clauses with the literal x. Those with -x are the same for -x and -y.
-template <class Sink>
-void equClauses(int x, int y, int z, Sink&& sink) {
-    sink(Clause(x, y, z));
-    sink(Clause(x, -y, -z));
-}
-
+/// z = x & y, or z = (x = y).
 template <class Sink>
 void gateClauses(const Triple& t, int z, Sink&& sink) {
+    const int x = t.left;
+    const int y = t.right;
     if (t.op == bfCon) {
-        sink(impliedClause(t.left, z));
-        sink(impliedClause(t.right, z));
-        sink(implyingClause(t.left, t.right, z));
+        sink(impliedClause(x, z));
+        sink(impliedClause(y, z));
+        sink(implyingClause(x, y, z));
     } else {
-        equClauses(t.left, t.right, z, sink);
-        equClauses(-t.left, -t.right, z, sink);
+        sink(equalClause(x, y, z));
+        sink(equalClause(y, x, z));
+        sink(implyingClause(-x, -y, z));
+        sink(implyingClause(x, y, z));
     }
 }
 
@@ -62,6 +63,12 @@ int nodeNr(std::size_t i) { return static_cast<int>(i) + firstNode; }
 /// The operand that stands first in clauses.
 int smaller(const Triple& t) { return std::abs(t.left) < std::abs(t.right) ? t.left : t.right; }
 int larger(const Triple& t) { return std::abs(t.left) < std::abs(t.right) ? t.right : t.left; }
+
+/// Whether con or equ can have made the node, whatever the order of its operands.
+bool isPlain(const Triple& t) {
+    if (t.op == bfEqu) return t.left > 0 && t.right > 0 && t.left != t.right;
+    return t.left != 0 && t.right != 0 && std::abs(t.left) != std::abs(t.right);
+}
 
 } // namespace
 
@@ -89,28 +96,22 @@ ClauseRange::ClauseRange(const BoolForm& f) : nr(f.nr) {
     count = 1;
     if (f == BoolForm(false)) return;
 
-    // An operand has a smaller number than its node, so one walk from the top down reaches all.
-    const auto reach = [&](int literal) {
-        const int n = std::abs(literal);
-        if (BoolForm::isNode(n)) {
-            reached[static_cast<std::size_t>(n - firstNode)] = true;
-        } else {
-            variables = std::max(variables, n);
-            largestVariable = std::max(largestVariable, n < BoolForm::maxVariable ? n : 0);
-        }
+    const auto see = [&](int operand) {
+        const int n = std::abs(operand);
+        if (BoolForm::isNode(n)) return;
+        variables = std::max(variables, n);
+        largestVariable = std::max(largestVariable, n < BoolForm::maxVariable ? n : 0);
     };
     largest = std::abs(nr);
-    if (BoolForm::isNode(largest))
-        reached.resize(static_cast<std::size_t>(largest - firstNode) + 1);
-    reach(nr);
-    for (std::size_t i = reached.size(); i-- > 0;) {
-        if (!reached[i]) continue;
-        const Triple& t = BoolForm::tv[i];
-        reach(t.left);
-        reach(t.right);
+    see(nr);
+    reached = reachedNodes({f}, [&](const Triple& t) {
+        see(t.left);
+        see(t.right);
         count += t.op == bfCon ? 3 : 4;
         ++nodes;
-    }
+        plain = plain && isPlain(t);
+    });
+    if (!plain) count = all().size();
 }
 
 template <class Use>
@@ -120,44 +121,47 @@ void ClauseRange::forEachNode(Use&& use) const {
     }
 }
 
+std::vector<Clause> ClauseRange::all() const {
+    std::vector<Clause> clauses = {unitClause(nr)};
+    forEachNode([&](std::size_t i, const Triple& t) {
+        gateClauses(t, nodeNr(i), [&](const Clause& c) { clauses.push_back(c); });
+    });
+    std::sort(clauses.begin(), clauses.end());
+    clauses.erase(std::unique(clauses.begin(), clauses.end()), clauses.end());
+    return clauses;
+}
+
 ClauseRange::Walk ClauseRange::begin() const { return Walk(*this); }
 
 ClauseRange::Walk::Walk(const ClauseRange& range)
     : range(&range), places(range.variables + static_cast<int>(range.reached.size())) {
-    if (range.nodes < static_cast<std::size_t>(places) / 64) {
-        makeAllReady();
+    if (!range.plain || range.nodes < static_cast<std::size_t>(places) / 64) {
+        ready = range.all();
+        next = ready.data();
+        readyEnd = next + ready.size();
     } else if (range.count > 0) {
         lists.resize(2 * static_cast<std::size_t>(places) + 1);
         links.resize(2 * range.reached.size());
-        sign = -2;
+        startSection(Section::negative);
         makeReady();
     }
-}
-
-void ClauseRange::Walk::makeAllReady() {
-    ready = {unitClause(range->nr)};
-    range->forEachNode([&](std::size_t i, const Triple& t) {
-        gateClauses(t, nodeNr(i), [&](const Clause& c) { ready.push_back(c); });
-    });
-    std::sort(ready.begin(), ready.end());
-    next = ready.data();
-    readyEnd = next + ready.size();
 }
 
 void ClauseRange::Walk::makeReady() {
     constexpr std::size_t atLeast = 1024; // clauses, so few that they are still in the cache
     ready.clear();
-    while (ready.size() < atLeast && (place <= lastPlace || sign < 1)) {
+    while (ready.size() < atLeast) {
         if (place > lastPlace) {
-            startSection(); // which is empty if no variable occurs
-            continue;
+            if (section == Section::positive) break;
+            startSection(section == Section::negative ? Section::binary : Section::positive);
+            continue; // it is empty if no variable occurs
         }
         const std::uint32_t link = listAt(place);
         const int n = std::abs(place);
         const int nr = n <= range->variables ? n : n - range->variables + firstNode - 1;
         const int literal = place < 0 ? -nr : nr;
         if (place == 0) ready.push_back(unitClause(range->nr));
-        if (sign == 0) {
+        if (section == Section::binary) {
             makeBinary(link, literal);
         } else if (link != 0) {
             makeTernary(link, literal);
@@ -183,8 +187,9 @@ void ClauseRange::Walk::makeTernary(std::uint32_t link, int literal) {
         if (t.op == bfCon) {
             ready.push_back(implyingClause(-literal, second, node));
         } else {
-            equClauses(literal, literal < 0 ? -second : second, node,
-                       [&](const Clause& c) { ready.push_back(c); });
+            const int same = literal < 0 ? -second : second; // as the literal
+            ready.push_back(equalClause(same, literal, node));
+            ready.push_back(implyingClause(-literal, -same, node));
         }
     }
     if (ready.size() - begin > 1) {
@@ -192,13 +197,14 @@ void ClauseRange::Walk::makeTernary(std::uint32_t link, int literal) {
     }
 }
 
-void ClauseRange::Walk::startSection() {
-    ++sign;
-    place = sign > 0 ? 1 : -places;
-    lastPlace = sign < 0 ? -1 : places;
-    if (sign == 0) std::fill_n(lists.begin(), places, 0); // all others are still empty
-    if (sign == 1) std::fill_n(lists.end() - places, places, 0);
-    // All entries of the largest store have a link, so there is no limit of clauses to look after.
+void ClauseRange::Walk::startSection(Section started) {
+    section = started;
+    place = section == Section::positive ? 1 : -places;
+    lastPlace = section == Section::negative ? -1 : places;
+    // The lists of the section before are used up. All others are still empty.
+    if (section == Section::binary) std::fill_n(lists.begin(), places, 0);
+    if (section == Section::positive) std::fill_n(lists.end() - places, places, 0);
+    // A link can tell any entry, also of the largest store.
     static_assert(2 * std::uint64_t(BoolForm::maxNodes) <=
                   std::numeric_limits<std::uint32_t>::max());
     const auto put = [&](int literal, std::size_t entry) {
@@ -208,18 +214,19 @@ void ClauseRange::Walk::startSection() {
             std::exchange(listAt(literal < 0 ? -at : at), static_cast<std::uint32_t>(entry + 1));
     };
     // Later nodes go to the front, so clauses of two literals come in their order, -z ascending.
-    if (sign == 0) {
+    if (section == Section::binary) {
         range->forEachNode([&](std::size_t i, const Triple& t) {
             if (t.op != bfCon) return;
             put(t.left, 2 * i);
             put(t.right, 2 * i + 1);
         });
     } else {
+        const bool negative = section == Section::negative;
         range->forEachNode([&](std::size_t i, const Triple& t) {
             const int first = -smaller(t);
             if (t.op == bfEqu) {
-                put(sign < 0 ? first : -first, i);
-            } else if ((first < 0) == (sign < 0)) {
+                put(negative ? first : -first, i);
+            } else if ((first < 0) == negative) {
                 put(first, i);
             }
         });

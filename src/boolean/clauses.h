@@ -55,6 +55,8 @@ public:
     [[nodiscard]] int maxNr() const { return largest; }
     /// The largest variable below 1000000 that occurs, 0 if there is none.
     [[nodiscard]] int maxVariable() const { return largestVariable; }
+    /// The largest variable that occurs, 1000000 included, 0 if there is none.
+    [[nodiscard]] int topVariable() const { return variables; }
 
     class Walk;
     [[nodiscard]] Walk begin() const;
@@ -63,24 +65,25 @@ public:
 private:
     template <class Use>
     void forEachNode(Use&& use) const;
+    [[nodiscard]] std::vector<Clause> all() const;
 
     int nr;                    // of the formula
     std::vector<bool> reached; // the nodes, from the first of the store on
     std::size_t nodes = 0;     // reached
     std::size_t count = 0;
     int largest = 0;
-    int largestVariable = 0;
-    int variables = 0; // the same as largestVariable, but for variable 1000000
+    int largestVariable = 0; // below 1000000
+    int variables = 0;       // the largest, 1000000 included
+    bool plain = true;       // whether con or equ can have made all nodes
 };
 
 /// A place in a range of clauses, which must outlive it: an input iterator that is moved, not
 /// copied.
 ///
-/// The clauses come in three sections: three literals with a negative first one, at most two
-/// literals, three literals with a positive first one. For each section the nodes are linked into
-/// lists by the first literal of their clauses. So a clause waits as four bytes, and is made from
-/// its node when it is its turn. If few nodes are reached among many, they are made and sorted at
-/// once.
+/// The clauses come in three sections. For each section the nodes are linked into lists by the
+/// first literal of their clauses. So a clause waits as four bytes, and is made from its node when
+/// it is its turn. All clauses are made and sorted at once if few nodes are reached among many, or
+/// if one has operands that con and equ do not give.
 class ClauseRange::Walk {
 public:
     using value_type = Clause;
@@ -104,11 +107,13 @@ public:
     }
 
 private:
-    void makeAllReady();
+    /// Three literals with a negative first one, at most two, three with a positive first one.
+    enum class Section { negative, binary, positive };
+
     void makeReady();
     void makeBinary(std::uint32_t link, int literal);
     void makeTernary(std::uint32_t link, int literal);
-    void startSection();
+    void startSection(Section started);
     std::uint32_t& listAt(int at) {
         return lists[static_cast<std::size_t>(std::ptrdiff_t(places) + at)];
     }
@@ -117,7 +122,7 @@ private:
     std::vector<Clause> ready;
     const Clause* next = nullptr;
     const Clause* readyEnd = nullptr;
-    int sign = 1;                     // of the first literals in the section
+    Section section = Section::positive;
     int places;                       // the variables, then the nodes, from 1 on
     int place = 1;                    // of the next list, with the sign of its literal
     int lastPlace = 0;                // of the section

@@ -16,8 +16,19 @@
 
 namespace {
 
-/// The number of a variable or node in a file whose largest variable is shift below maxVariable.
-int fileNr(int nr, int shift) { return BoolForm::isNode(nr) ? nr - shift : nr; }
+/// From the numbers of formulas to those of a file, which are shift nearer to 0 from 1000000 on if
+/// they are larger than shift.
+class FileNumbers {
+public:
+    explicit FileNumbers(int shift)
+        : shift(shift), kept(std::max(shift, BoolForm::maxVariable - 1)) {}
+
+    int operator()(int nr) const { return nr > kept ? nr - shift : nr; }
+
+private:
+    int shift;
+    int kept; // the largest number that is
+};
 
 /// The four digits of each number below 10000, with zeros in front, the first in the lowest byte.
 constexpr auto fourDigits = [] {
@@ -49,11 +60,11 @@ char* putNumber(char* at, unsigned n) {
 /// Formats the lines of a file into one large block and hands full blocks to the file.
 class LineWriter {
 public:
-    LineWriter(const std::string& file, int shift) : out(file), block(blockSize), shift(shift) {}
+    LineWriter(const std::string& file, const FileNumbers& numbers)
+        : out(file), block(blockSize), numbers(numbers) {}
 
     void heading(int variables, std::size_t clauses) {
-        out.write("p cnf " + std::to_string(fileNr(variables, shift)) + ' ' +
-                  std::to_string(clauses) + '\n');
+        out.write("p cnf " + std::to_string(variables) + ' ' + std::to_string(clauses) + '\n');
     }
     void line(const Clause& c) {
         char* at = block.data() + used;
@@ -74,7 +85,7 @@ private:
     [[nodiscard]] char* put(char* at, int literal) const {
         *at = '-';
         at = putNumber(at + (literal < 0 ? 1 : 0),
-                       static_cast<unsigned>(fileNr(std::abs(literal), shift)));
+                       static_cast<unsigned>(numbers(std::abs(literal))));
         *at = ' ';
         return at + 1;
     }
@@ -88,15 +99,16 @@ private:
     OutputFile out;
     std::vector<char> block;
     std::size_t used = 0;
-    int shift;
+    FileNumbers numbers;
 };
 
-/// Writes clauses of which top is the largest literal and shift the distance of the largest
-/// variable from maxVariable.
+/// Writes clauses of which top is the largest literal and topVariable the largest variable, 1000000
+/// included: it may be the only one to keep its number, and then be above the nodes.
 template <class Clauses>
-void write(const Clauses& cs, const std::string& file, int top, int shift) {
-    LineWriter out(file, shift);
-    out.heading(top, cs.size());
+void write(const Clauses& cs, const std::string& file, int top, int topVariable,
+           const FileNumbers& numbers) {
+    LineWriter out(file, numbers);
+    out.heading(std::max(numbers(top), numbers(topVariable)), cs.size());
     for (const Clause& c : cs) out.line(c);
     out.close();
 }
@@ -122,24 +134,28 @@ int maxCNFVarNr(const std::set<Clause>& cs) {
 int maxCNFOrgVarNr(const std::set<Clause>& cs) { return largestBelow(cs, BoolForm::maxVariable); }
 
 void showCNF(const std::set<Clause>& cs, std::string name) {
-    const int shift = BoolForm::maxVariable - maxCNFOrgVarNr(cs);
-    write(cs, name.append(".cnf"), maxCNFVarNr(cs), shift);
+    const FileNumbers numbers(BoolForm::maxVariable - maxCNFOrgVarNr(cs));
+    write(cs, name.append(".cnf"), maxCNFVarNr(cs), largestBelow(cs, BoolForm::maxVariable + 1),
+          numbers);
 }
 
 void showCNF(const ClauseRange& cs, std::string name) {
-    write(cs, name.append(".cnf"), cs.maxNr(), BoolForm::maxVariable - cs.maxVariable());
+    const FileNumbers numbers(BoolForm::maxVariable - cs.maxVariable());
+    write(cs, name.append(".cnf"), cs.maxNr(), cs.topVariable(), numbers);
 }
 
-void showCNF(const std::set<Clause>& cs) { write(cs, "test.cnf", maxCNFVarNr(cs), 0); }
+void showCNF(const std::set<Clause>& cs) {
+    write(cs, "test.cnf", maxCNFVarNr(cs), 0, FileNumbers(0));
+}
 
 int createClauseVect(const std::set<Clause>& cs, std::vector<std::vector<int>>& v) {
-    const int shift = BoolForm::maxVariable - maxCNFOrgVarNr(cs);
+    const FileNumbers numbers(BoolForm::maxVariable - maxCNFOrgVarNr(cs));
     int largest = 0;
     for (const Clause& c : cs) {
         std::vector<int>& literals = v.emplace_back();
         for (const int literal : {c.l1, c.l2, c.l3}) {
             if (literal == 0) continue;
-            const int nr = fileNr(std::abs(literal), shift);
+            const int nr = numbers(std::abs(literal));
             literals.push_back(literal < 0 ? -nr : nr);
             largest = std::max(largest, nr);
         }

@@ -1,8 +1,8 @@
 // The DIMACS file: a sorted set of clauses, renumbered for a solver.
 //
-// With m the largest variable that occurs, a variable keeps its number and node n becomes
-// n - 1000000 + m. So variables and nodes leave no gap between them. The map keeps the order of
-// signed numbers.
+// With m the largest variable below 1000000 that occurs, a variable keeps its number and node n
+// becomes n - 1000000 + m. So variables and nodes leave no gap between them. The map keeps the
+// order of signed numbers. No run has a variable 1000000: it becomes m, and 1000000 if m is 0.
 
 #pragma once
 

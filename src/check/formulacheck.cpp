@@ -19,16 +19,15 @@ void checkOperators(const std::string& text, std::size_t column, long line, Find
     bool dropped = false;
     bool temporal = false;
     for (std::size_t at = text.find('E'); at < column - 1; at = text.find('E', at + 1)) {
-        const EctlOper op = oper(text.substr(at, 2));
-        bool& told = op == OpNone ? dropped : temporal;
+        const std::string op = text.substr(at, 2);
+        bool& told = beginsTemporal(op) ? temporal : dropped;
         if (told) continue;
         told = true;
         const std::string place = "column " + std::to_string(at + 1) + ": ";
-        if (op == OpNone) {
+        if (!beginsTemporal(op)) {
             findings.warn(line, place + "an \"E\" that begins no operator is dropped");
         } else {
-            findings.warn(line, place + operStr(op) +
-                                    " is not translated, the formula is false as a whole");
+            findings.warn(line, place + op + " is not translated, the formula is false as a whole");
         }
     }
 }

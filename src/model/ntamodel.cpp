@@ -82,12 +82,16 @@ BoolForm NetTimedModel::fH(const SymState& s1, const SymState& s2) const {
 }
 
 void NetTimedModel::showLCK(int k, int maxVar, std::string name) const {
+    OutputFile file(name.append(".lck"));
+    showLCK(k, maxVar, file);
+}
+
+void NetTimedModel::showLCK(int k, int maxVar, OutputFile& file) const {
     std::string bits;
     for (int a = 1; a <= nrOfAutomata; ++a) {
         bits += std::to_string(nrOfBits[static_cast<std::size_t>(a)]) + ' ';
     }
-    OutputFile out(name.append(".lck"));
-    out.write(std::to_string(nrOfAutomata) + '\n' + bits + '\n' + std::to_string(k) + '\n' +
-              std::to_string(maxVar) + '\n');
-    out.close();
+    file.write(std::to_string(nrOfAutomata) + '\n' + bits + '\n' + std::to_string(k) + '\n' +
+               std::to_string(maxVar) + '\n');
+    file.close();
 }

@@ -27,6 +27,8 @@
 #include <utility>
 #include <vector>
 
+class OutputFile;
+
 using uint = unsigned int;
 
 /// A declared location. Its key in the table says all there is to say.
@@ -87,6 +89,8 @@ public:
     /// Writes name + ".lck", which tells how variables map to automata and positions. A file that
     /// cannot be written is not reported.
     void showLCK(int k, int maxVar, std::string name) const;
+    /// Writes and finishes the same file where it has been begun.
+    void showLCK(int k, int maxVar, OutputFile& file) const;
 
     using Location = std::pair<uint, uint>;    // (automaton, location)
     using Move = std::pair<uint, uint>;        // (source, target)

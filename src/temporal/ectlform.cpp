@@ -16,9 +16,13 @@ namespace {
 constexpr std::array<std::string_view, 11> operStrs = {"T",  "p",  "p-", "&",  "+", "EG",
                                                        "EX", "EU", "EF", "EK", "$"};
 
-std::string_view textOf(EctlOper op) { return operStrs.at(static_cast<std::size_t>(op)); }
+/// The text of an operator, "$" for OpNone and for a value that is no operator.
+std::string_view operStr(EctlOper op) {
+    return operStrs.at(static_cast<std::size_t>(op >= OpTrue && op <= OpNone ? op : OpNone));
+}
 
-EctlOper operOf(std::string_view text) {
+/// The operator that the text begins with, OpNone if none.
+EctlOper oper(std::string_view text) {
     const auto at = [&](std::size_t i) { return i < text.size() ? text[i] : '\0'; };
     switch (at(0)) {
     case 'T': return OpTrue;
@@ -58,10 +62,10 @@ struct Token {
 
 Token tokenAt(std::string_view text, std::size_t position) {
     const std::string_view rest = text.substr(position);
-    Token token{operOf(rest), 0, true, {}};
+    Token token{oper(rest), 0, true, {}};
     std::size_t length = 1;
     if (token.op != OpNone && token.op != OpCon && token.op != OpDis) {
-        length = textOf(token.op).size();
+        length = operStr(token.op).size();
     }
     if (isVar(token.op)) {
         const std::size_t digits = length;
@@ -109,12 +113,6 @@ std::vector<const Node*> prefixOrder(const Node* root) {
 
 } // namespace
 
-EctlOper oper(const std::string& text) { return operOf(text); }
-
-std::string operStr(EctlOper op) {
-    return std::string(textOf(op >= OpTrue && op <= OpNone ? op : OpNone));
-}
-
 EctlForm::EctlForm(const std::string& text) {
     if (const auto fault = split(text)) {
         error("formula, column " + std::to_string(fault->column) + ": " + fault->text);
@@ -159,7 +157,7 @@ std::optional<FormulaFault> EctlForm::split(const std::string& text) {
         if (arity == 0) begins.push_back(done.size());
         leftBegin = begins.back();
         rootEnd = done.size();
-        done += arity == 0 ? std::string(token.text) : operStr(token.op);
+        done += arity == 0 ? token.text : operStr(token.op);
         position += token.text.size();
     }
     if (op == OpNone) return fault;
@@ -176,7 +174,7 @@ int EctlForm::getVarNr() const { return isVar(op) ? tokenAt(left, 0).varNr : 0; 
 
 std::string EctlForm::getText() const {
     if (op == OpTrue || isVar(op)) return left;
-    return left + right + operStr(op);
+    return (left + right).append(operStr(op));
 }
 
 Node* EctlForm::buildTree() const {
@@ -303,6 +301,8 @@ EctlForm dis(const EctlForm& a, const EctlForm& b) {
 bool operator==(const EctlForm& a, const EctlForm& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
 }
+
+bool beginsTemporal(std::string_view text) { return isTemporal(oper(text)); }
 
 std::string valueFault(const std::vector<OnpNode>& program) {
     std::size_t formulas = 0;

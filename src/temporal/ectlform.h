@@ -20,15 +20,11 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// The operators, 0 to 10: first the leaves, then the Boolean operators, then the temporal ones.
 enum EctlOper : int { OpTrue, OpVar, OpNegVar, OpCon, OpDis, OpEG, OpEX, OpEU, OpEF, OpEK, OpNone };
-
-/// The operator that the text begins with, OpNone if none.
-[[nodiscard]] EctlOper oper(const std::string& text);
-/// The text of an operator, "$" for OpNone and for a value that is no operator.
-[[nodiscard]] std::string operStr(EctlOper op);
 
 /// One entry of the postfix program. varNr is the number of a proposition, else 0.
 struct OnpNode {
@@ -60,7 +56,7 @@ public:
     /// Parses the text in one pass, linear in its length. A character that starts no token, an
     /// operator with too few operands and a number above 2147483647 end the process with status 1
     /// and one line on standard error that tells the column, counted from 1.
-    explicit EctlForm(const std::string& text);
+    EctlForm(const std::string& text);
     /// Parses likewise, but tells the leftmost fault in place of ending the process. The formula
     /// then is what stands ahead of it.
     EctlForm(const std::string& text, std::optional<FormulaFault>& fault);
@@ -115,6 +111,9 @@ private:
 [[nodiscard]] EctlForm dis(const EctlForm& a, const EctlForm& b);
 /// The same root and operand texts, character by character.
 [[nodiscard]] bool operator==(const EctlForm& a, const EctlForm& b);
+
+/// Whether the text begins with a temporal operator, which has two characters.
+[[nodiscard]] bool beginsTemporal(std::string_view text);
 
 /// Why a postfix program has no value, empty where it has one: a program with a temporal operator
 /// is false, and any other has to leave exactly one formula.

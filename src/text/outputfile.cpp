@@ -25,17 +25,6 @@ std::string followLinks(const std::string& name) {
     return {};
 }
 
-/// What has become of the old file: it is not there, it cannot be removed, it is no regular file.
-enum class Old { gone, inPlace, special };
-
-/// Removes the old file of the name, if it is a regular one and its directory gives it up.
-Old removeOld(const std::string& name, const std::string& target) {
-    struct stat status {};
-    if (stat(name.c_str(), &status) != 0) return Old::gone;
-    if (!S_ISREG(status.st_mode)) return Old::special;
-    return unlink(target.c_str()) == 0 ? Old::gone : Old::inPlace;
-}
-
 void empty(const std::string& file) {
     std::error_code ignored;
     fs::resize_file(file, 0, ignored);
@@ -66,44 +55,74 @@ bool anyPending(const sigset_t& signals) {
 } // namespace
 
 OutputFile::OutputFile(const std::string& name) : target(followLinks(name)) {
-    if (target.empty()) return;
-    const Old old = removeOld(name, target);
-    if (old == Old::special) {
-        file = open(name.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-        return;
+    if (target.empty()) {
+        old = Old::locked;
+    } else if (stat(name.c_str(), &like) == 0) {
+        removeOld(name);
     }
-    regular = true;
-    held = endingNow();
-    sigprocmask(SIG_BLOCK, &held, &before);
-    if (old == Old::inPlace) {
-        file = open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
-    } else {
-        createTemporary();
-    }
-    if (file == -1) sigprocmask(SIG_SETMASK, &before, nullptr);
 }
 
 OutputFile::~OutputFile() { finish(false); }
 
+void OutputFile::removeOld(const std::string& name) {
+    if (!S_ISREG(like.st_mode)) {
+        old = Old::special;
+        target = name; // which the system may follow where it shows no link
+        return;
+    }
+    const int writable = open(target.c_str(), O_WRONLY | O_CLOEXEC);
+    if (writable == -1) {
+        old = Old::locked;
+        return;
+    }
+    ::close(writable);
+    if (unlink(target.c_str()) == 0) return;
+    old = Old::emptied;
+    empty(target);
+}
+
+void OutputFile::begin() {
+    begun = true;
+    if (regular()) {
+        held = endingNow();
+        sigprocmask(SIG_BLOCK, &held, &before);
+    }
+    if (old == Old::gone) {
+        createTemporary();
+    } else if (old != Old::locked) {
+        file = open(target.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+    }
+    if (regular() && file == -1) sigprocmask(SIG_SETMASK, &before, nullptr);
+}
+
 void OutputFile::createTemporary() {
     const std::string stem = ".tervoxal-" + std::to_string(getpid()) + "-";
+    const bool replaces = S_ISREG(like.st_mode);
     int n = 0;
     do { // a number is taken where another machine has a process of the same number
         temporary = fs::path(target).replace_filename(stem + std::to_string(n++));
-        file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                    replaces ? 0600 : 0666);
     } while (file == -1 && errno == EEXIST);
+    if (file == -1 || !replaces) return;
+    [[maybe_unused]] const int owned = fchown(file, like.st_uid, like.st_gid);
+    fchmod(file, like.st_mode & 07777U);
 }
 
 void OutputFile::write(std::string_view text) {
+    if (!begun) begin();
     while (file != -1 && !text.empty()) {
         const ssize_t written = ::write(file, text.data(), text.size());
         if (written > 0) text.remove_prefix(static_cast<std::size_t>(written));
         const bool failed = written == 0 || (written == -1 && errno != EINTR);
-        if (failed || (regular && anyPending(held))) finish(false);
+        if (failed || (regular() && anyPending(held))) finish(false);
     }
 }
 
-bool OutputFile::close() { return finish(true); }
+bool OutputFile::close() {
+    if (!begun) begin();
+    return finish(true);
+}
 
 bool OutputFile::finish(bool whole) {
     if (file == -1) return false;
@@ -112,14 +131,9 @@ bool OutputFile::finish(bool whole) {
     if (!temporary.empty()) {
         whole = whole && rename(temporary.c_str(), target.c_str()) == 0;
         if (!whole) unlink(temporary.c_str());
-    } else if (regular && !whole) {
+    } else if (regular() && !whole) {
         empty(target);
     }
-    if (regular) sigprocmask(SIG_SETMASK, &before, nullptr); // a signal held back takes effect
+    if (regular()) sigprocmask(SIG_SETMASK, &before, nullptr); // a signal held back takes effect
     return whole;
-}
-
-void removeOutput(const std::string& name) {
-    const std::string target = followLinks(name);
-    if (removeOld(name, target) == Old::inPlace) empty(target);
 }

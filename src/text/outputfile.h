@@ -5,23 +5,28 @@
 // (.tervoxal-PID-N) in the same directory, every write and the close are checked, and only then
 // does it get its name. If anything fails, the temporary file is removed and nothing is left.
 //
+//  - A file that cannot be opened for writing stays as it is, and nothing is written.
+//  - The new file has the owner, the group and the mode of the old one, as far as the system lets
+//    it have them.
 //  - A symbolic link stays a link: the file that it leads to is replaced, or created.
 //  - A FIFO or a device is written as it is, for whoever reads at the other end.
-//  - A file that its directory does not give up is written in place, and emptied if that fails.
+//  - Where the directory of a file cannot be changed, the file is emptied and written in place. If
+//    that fails, it is left empty.
 //
-// While a file is unfinished, the signals that ask a process to end are held back, and looked for
-// at each write: the file is removed before the process ends. Only SIGKILL leaves the temporary
-// file, or in place a cut one.
+// From the first write until the file is finished, the signals that ask a process to end are held
+// back, and looked for at each write: the file is removed before the process ends. Only SIGKILL
+// leaves the temporary file, or in place a cut one.
 
 #pragma once
 
 #include <csignal>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 class OutputFile {
 public:
-    /// Removes the file of that name and begins a new one. A failure shows in close.
+    /// Removes the file of that name. The first write begins the new one. A failure shows in close.
     explicit OutputFile(const std::string& name);
     /// Removes the file unless close has finished it.
     ~OutputFile();
@@ -35,17 +40,22 @@ public:
     bool close();
 
 private:
+    /// What has become of the old file: it is not there, it is empty, it cannot be written, it is
+    /// no regular file.
+    enum class Old { gone, emptied, locked, special };
+
+    void removeOld(const std::string& name);
+    [[nodiscard]] bool regular() const { return old == Old::gone || old == Old::emptied; }
+    void begin();
     void createTemporary();
     bool finish(bool whole);
 
-    int file = -1;         // -1 once it is finished or has failed
+    int file = -1; // -1 ahead of the first write, and once it is finished or has failed
+    bool begun = false;
     std::string target;    // what the name leads to
     std::string temporary; // empty if the target is written directly
-    bool regular = false;
-    sigset_t held{};   // the signals held back
-    sigset_t before{}; // the mask to go back to
+    Old old = Old::gone;
+    struct stat like {}; // what the old file was, all 0 if there was none
+    sigset_t held{};     // the signals held back
+    sigset_t before{};   // the mask to go back to
 };
-
-/// Removes the file as the constructor of OutputFile does, with nothing in its place; where its
-/// directory does not give it up, it is emptied. Not for FIFOs and devices, which stay.
-void removeOutput(const std::string& name);

@@ -129,9 +129,9 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cerr << clauses.size() << '\n';
 
     std::cerr << "Writing down clauses ";
-    removeOutput(name + ".lck"); // never beside a clause file that it does not go with
+    OutputFile sideFile(name + ".lck"); // never beside a clause file that it does not go with
     showCNF(clauses, name);
-    model.showLCK(k, clauses.maxVariable(), name);
+    model.showLCK(k, clauses.maxVariable(), sideFile);
     std::cerr << '\n';
 
     std::cerr.precision(4);

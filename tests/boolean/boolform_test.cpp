@@ -105,6 +105,42 @@ TEST(Clause, takesLiteralsInAnyOrderAndDropsRepeats) {
     });
 }
 
+TEST(Clauses, ofGatesOfAllSmallLiterals) {
+    std::set<Clause> cs;
+    for (int i = 0; i < 343; ++i) {
+        const int x = i / 49 - 3;
+        const int y = i / 7 % 7 - 3;
+        const int z = i % 7 - 3;
+        BoolForm(1).addCon(cs, x, y, z);
+        EXPECT_EQ(cs, (std::set<Clause>{{-z, x, 0}, {-z, y, 0}, {-x, -y, z}}));
+        cs.clear();
+        BoolForm(1).addEqu(cs, x, y, z);
+        EXPECT_EQ(cs, (std::set<Clause>{{-z, -x, y}, {-z, -y, x}, {x, y, z}, {-x, -y, z}}));
+        cs.clear();
+    }
+}
+
+// Operands as con and equ never give them: in any order, of any sign, equal, false.
+TEST(Clauses, ofNodesAsTheyWereMade) {
+    BoolForm::clear();
+    std::mt19937 random(1);
+    std::vector<BoolForm> formulas = {BoolForm(1000000), BoolForm(2), BoolForm(3), BoolForm(false)};
+    for (int i = 0; i < 1000; ++i) {
+        BoolForm f[2] = {formulas[random() % formulas.size()],
+                         formulas[random() % formulas.size()]};
+        for (BoolForm& operand : f)
+            if (operand.nr != 0 && random() % 2 == 0) operand = neg(operand);
+        formulas.emplace_back(f[0], f[1], static_cast<int>(1 + random() % 2));
+        const ClauseRange range = formulas.back().clauses();
+        std::vector<Clause> cs;
+        for (const Clause& c : range) cs.push_back(c);
+        const std::set<Clause> plain = plainClauses(formulas.back());
+        EXPECT_EQ(cs, std::vector<Clause>(plain.begin(), plain.end()));
+        EXPECT_EQ(range.size(), plain.size());
+        EXPECT_EQ(range.maxVariable(), maxCNFOrgVarNr(plain));
+    }
+}
+
 TEST(Clauses, areWrittenAsWholeFiles) {
     const Scratch dir;
     std::filesystem::current_path(dir.path);
@@ -118,6 +154,8 @@ TEST(Clauses, areWrittenAsWholeFiles) {
         showCNF(cs);
         return dir.read("set.cnf") + '\t' + dir.read("test.cnf");
     });
+    showCNF({Clause(1000000, 1000001, 0)}, "set");
+    EXPECT_EQ(dir.read("set.cnf"), "p cnf 1000000 1\n1000000 1 0\n");
     std::set<Clause> cs = {Clause(8, 9, 0)};
     BoolForm(7).toCNF(cs);
     neg(BoolForm(6)).addNeg(cs, 3, 4);

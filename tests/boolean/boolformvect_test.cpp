@@ -102,6 +102,7 @@ TEST(Vectors, assertTheirPreconditions) {
         {"boolformvect.*bsLen \\+ shift <= len", [] { (void)Vector(2, Bits(1), 2); }},
         {"BoolFormVect::operator\\[\\]\\(int\\) const.*i >= 0 && i < len", [&] { (void)two[2]; }},
         {"i >= 0 && i < len", [&] { (void)two[-1]; }},
+        {"i >= 0 && i < len", [] { (void)(Vector() + Vector()); }},
         {"i >= 0 && i < len", [&] { (void)lt(two, 4U); }},
         {"nr > 0", [] { (void)Vector(1, 0); }},
         {"a1.len == a2.len", [&] { (void)(two == three); }},

@@ -34,13 +34,20 @@ TEST(EctlForm, parsesAndMeasures) {
 }
 
 TEST(EctlForm, operatorsAndTheirTexts) {
-    checkTable("operators.tsv",
-               [](auto& text) { return std::to_string(oper(text)) + '\t' + operStr(oper(text)); });
-    for (const int i : {-1, 11}) EXPECT_EQ(operStr(static_cast<EctlOper>(i)), "$");
+    const auto text = [](EctlOper op) {
+        Node node = {op, 0, nullptr, nullptr};
+        return printed([&] { EctlForm("T").preOrder(&node); });
+    };
+    checkTable("operators.tsv", [&](auto& operands) {
+        std::optional<FormulaFault> fault;
+        const EctlOper op = EctlForm(operands, fault).getOp();
+        return fault ? fault->text : std::to_string(op) + '\t' + text(op);
+    });
+    for (const int i : {-1, 11}) EXPECT_EQ(text(static_cast<EctlOper>(i)), "$");
 }
 
 TEST(EctlForm, disjunctionAndEquality) {
-    const EctlForm a("p1p2&");
+    const EctlForm a = std::string("p1p2&");
     EctlForm d = dis(a, EctlForm("p3EX"));
     EXPECT_EQ(a.getText(), "p1p2&");
     for (const char* const text : {"p1p2&p3EX+", "p1p2&p3EX+p1p2&p3EX++"}) {
