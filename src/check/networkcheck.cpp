@@ -293,12 +293,13 @@ void NetworkChecker::closed() {
 
 /// Tells the fault of the automaton as a whole, and each line that names an undeclared location.
 void NetworkChecker::checkUndeclared(const NetworkFault& fault) {
-    if (fault.line == lines.number) findings.error(fault.line, text(fault));
+    findings.error(fault.line, text(fault)); // first, so that it is kept whatever is alike
     if (section.locations.empty()) return;
-    NetworkFault named = fault;
     const auto check = [&](uint l, long line) {
         const auto& declared = section.locations;
-        if (std::binary_search(declared.begin(), declared.end(), l)) return;
+        const bool told = line == fault.line && l == fault.location;
+        if (told || std::binary_search(declared.begin(), declared.end(), l)) return;
+        NetworkFault named = fault;
         named.location = l;
         findings.error(line, text(named));
     };
