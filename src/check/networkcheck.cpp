@@ -162,7 +162,8 @@ private:
     void setName(std::map<Key, Name>& names, Key key, const char* what, const Scanner& behind) {
         const std::string_view text = behind.rest();
         if (text.empty()) return;
-        const Name& given = names.try_emplace(key, std::string(text), lines.number).first->second;
+        const Name& given =
+            names.try_emplace(key, Name{std::string(text), lines.number}).first->second;
         if (given.text == text) return;
         warn(what + std::to_string(key) + " is named " + inQuotes(text) + " here and " +
              inQuotes(given.text) + " in line " + std::to_string(given.line) +
