@@ -22,26 +22,36 @@ extern "C" [[noreturn]] void __wrap_exit(int status) {
 }
 
 template <class Read>
-int orRefused(Read&& read) {
+bool refused(Read&& read) {
     reading = true;
+    bool thrown = false;
     try {
         read();
     } catch (const Refused&) {
+        thrown = true;
     }
     reading = false;
+    return thrown;
+}
+
+template <class Read>
+int orRefused(Read&& read) {
+    (void)refused(read);
     return 0;
 }
 
 /// The input as a file in memory, removed at the end.
 class InputFile {
 public:
-    InputFile(const std::uint8_t* data, std::size_t size) {
-        std::ofstream out(name + ".in", std::ios::binary);
+    InputFile(const std::uint8_t* data, std::size_t size, const std::string& suffix = ".in")
+        : file(name + suffix) {
+        std::ofstream out(file, std::ios::binary);
         out << std::string_view(reinterpret_cast<const char*>(data), size);
     }
-    ~InputFile() { std::remove((name + ".in").c_str()); }
+    ~InputFile() { std::remove(file.c_str()); }
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
 
     const std::string name = "/dev/shm/tervoxal-fuzz-" + std::to_string(getpid());
+    const std::string file;
 };

@@ -1,14 +1,12 @@
 #include "formulacheck.h"
 
 #include "carriagereturns.h"
-#include "ectlform.h"
 #include "filetext.h"
+#include "infix.h"
 #include "lines.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
-#include <set>
 #include <sstream>
 #include <utility>
 
@@ -32,44 +30,60 @@ void checkOperators(const std::string& text, std::size_t column, long line, Find
     }
 }
 
-void checkProps(const EctlForm& form, const std::set<unsigned int>& carried, long line,
-                Findings& findings) {
-    std::set<unsigned int> missing;
+std::set<unsigned int> propsOf(const EctlForm& form) {
+    std::set<unsigned int> props;
     for (const OnpNode& token : form.onp) {
         if (token.op != OpVar && token.op != OpNegVar) continue;
-        const auto prop = static_cast<unsigned int>(token.varNr);
-        if (!carried.contains(prop)) missing.insert(prop);
+        props.insert(static_cast<unsigned int>(token.varNr));
     }
-    for (const unsigned int prop : missing) {
-        findings.warn(line, "no location carries proposition " + std::to_string(prop) +
-                                ", it is false in every state");
-    }
+    return props;
 }
 
 } // namespace
 
-void checkFormula(const std::string& file, const CheckedNetwork& network, Findings& findings) {
+std::vector<std::string> uncarried(const std::set<unsigned int>& asked,
+                                   const std::set<unsigned int>& carried) {
+    std::vector<std::string> warnings;
+    for (const unsigned int prop : asked) {
+        if (carried.contains(prop)) continue;
+        warnings.push_back("no location carries proposition " + std::to_string(prop) +
+                           ", it is false in every state");
+    }
+    return warnings;
+}
+
+std::optional<EctlForm> checkFormula(const std::string& file, const CheckedNetwork& network,
+                                     Findings& findings) {
     std::string text = fileText(file);
     checkCarriageReturns(text, findings);
     std::istringstream in(std::move(text));
     Lines lines(in);
     if (!lines.next()) {
-        return findings.error(std::max(lines.number, 1L),
-                              "formula: end of file before the formula");
+        findings.error(std::max(lines.number, 1L), "formula: end of file before the formula");
+        return {};
     }
     std::optional<FormulaFault> fault;
-    const EctlForm form(lines.text, fault);
+    EctlForm form(lines.text, fault);
     const long line = lines.number;
     if (fault) {
-        findings.error(line,
-                       "formula, column " + std::to_string(fault->column) + ": " + fault->text);
+        findings.error(line, "formula, column " + std::to_string(fault->column) + ": " +
+                                 fault->text +
+                                 (looksLikeExpression(lines.text, *fault)
+                                      ? ", looks like an expression: tervoxal-formula"
+                                      : ""));
     } else if (const std::string why = valueFault(form.onp); !why.empty()) {
         findings.error(line, why);
     }
     checkOperators(lines.text, fault ? fault->column : lines.text.size() + 1, line, findings);
-    if (network.taken) checkProps(form, network.props, line, findings);
+    if (network.taken) {
+        for (const std::string& warning : uncarried(propsOf(form), network.props)) {
+            findings.warn(line, warning);
+        }
+    }
     if (lines.next()) {
         findings.warn(lines.number,
                       "only the first line counts, the formula is line " + std::to_string(line));
     }
+    if (findings.refused()) return {};
+    return form;
 }

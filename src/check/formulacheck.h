@@ -1,12 +1,21 @@
-// What can be said of a formula file ahead of a run, as networkcheck.h tells it for a network file.
+// Looks for mistakes in a formula file, as networkcheck.h does in a network file.
 
 #pragma once
 
+#include "ectlform.h"
 #include "findings.h"
 #include "networkcheck.h"
 
+#include <optional>
+#include <set>
 #include <string>
+#include <vector>
 
-/// Checks a formula file, named with its suffix, for a network. Linear. Ends the process like
-/// checkNetwork.
-void checkFormula(const std::string& file, const CheckedNetwork& network, Findings& findings);
+/// Checks a formula file, named with its suffix, for a network, and gives the formula where a run
+/// takes the file. Linear. Ends the process like checkNetwork.
+std::optional<EctlForm> checkFormula(const std::string& file, const CheckedNetwork& network,
+                                     Findings& findings);
+
+/// A warning for each proposition that is asked and not carried by any location.
+[[nodiscard]] std::vector<std::string> uncarried(const std::set<unsigned int>& asked,
+                                                 const std::set<unsigned int>& carried);

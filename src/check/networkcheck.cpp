@@ -162,7 +162,8 @@ private:
     void setName(std::map<Key, Name>& names, Key key, const char* what, const Scanner& behind) {
         const std::string_view text = behind.rest();
         if (text.empty()) return;
-        const Name& given = names.try_emplace(key, std::string(text), lines.number).first->second;
+        const Name& given =
+            names.try_emplace(key, Name{std::string(text), lines.number}).first->second;
         if (given.text == text) return;
         warn(what + std::to_string(key) + " is named " + inQuotes(text) + " here and " +
              inQuotes(given.text) + " in line " + std::to_string(given.line) +
@@ -293,12 +294,13 @@ void NetworkChecker::closed() {
 
 /// Tells the fault of the automaton as a whole, and each line that names an undeclared location.
 void NetworkChecker::checkUndeclared(const NetworkFault& fault) {
-    if (fault.line == lines.number) findings.error(fault.line, text(fault));
+    findings.error(fault.line, text(fault)); // first, so that it is kept whatever is alike
     if (section.locations.empty()) return;
-    NetworkFault named = fault;
     const auto check = [&](uint l, long line) {
         const auto& declared = section.locations;
-        if (std::binary_search(declared.begin(), declared.end(), l)) return;
+        const bool told = line == fault.line && l == fault.location;
+        if (told || std::binary_search(declared.begin(), declared.end(), l)) return;
+        NetworkFault named = fault;
         named.location = l;
         findings.error(line, text(named));
     };

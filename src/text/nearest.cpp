@@ -5,7 +5,7 @@
 
 namespace {
 
-// Nobody mistypes a longer word so that it helps to be told of a near one.
+// Longer words are compared with none: they are hardly typed by hand.
 constexpr std::size_t longestWord = 80;
 constexpr std::size_t mostFound = 3;
 
@@ -27,24 +27,23 @@ int editDistance(std::string_view a, std::string_view b, int most) {
     for (int i = 1; i <= rows; ++i) {
         const int from = std::max(i - most, 0);
         const int to = std::min(i + most, columns);
+        // Left of the band stands what the row was three rows ago.
         if (from > 0) row[static_cast<std::size_t>(from) - 1] = most + 1;
         for (int j = from; j <= to; ++j) {
             const auto at = static_cast<std::size_t>(j);
-            int distance = last[at] + 1;
             if (j == 0) {
-                row[at] = std::min(i, most + 1);
+                row[at] = i;
                 continue;
             }
             const auto x = static_cast<std::size_t>(i) - 1;
             const bool same = small(a[x]) == small(b[at - 1]);
-            distance = std::min({distance, row[at - 1] + 1, last[at - 1] + (same ? 0 : 1)});
+            int distance = std::min({last[at] + 1, row[at - 1] + 1, last[at - 1] + (same ? 0 : 1)});
             if (i > 1 && j > 1 && small(a[x]) == small(b[at - 2]) &&
                 small(a[x - 1]) == small(b[at - 1])) {
                 distance = std::min(distance, before[at - 2] + 1);
             }
             row[at] = std::min(distance, most + 1);
         }
-        if (to < columns) row[static_cast<std::size_t>(to) + 1] = most + 1;
         before.swap(last);
         last.swap(row);
     }
@@ -57,7 +56,7 @@ Nearest::Nearest(std::string_view word)
 void Nearest::offer(std::string_view candidate) {
     if (most < 0) return;
     const int distance = editDistance(word, candidate, most);
-    // A word of which nothing is left is no slip.
+    // Where every character would have to change, the candidate is another word.
     if (distance > most || distance >= static_cast<int>(std::max(word.size(), candidate.size()))) {
         return;
     }

@@ -1,4 +1,4 @@
-// Which of the known words somebody meant who wrote another one.
+// Known words that are spelt almost like a given one, to guess what was meant.
 
 #pragma once
 
@@ -10,8 +10,8 @@
 /// above `most` is most + 1. Linear in the length of the words for a fixed `most`.
 [[nodiscard]] int editDistance(std::string_view a, std::string_view b, int most);
 
-/// The words that are so near to another one that it can be a slip of them: the nearest first, then
-/// in their order, at most three.
+/// Collects the words that a given one may be a slip of: the nearest first, those that are equally
+/// near in the order in which they came, at most three.
 class Nearest {
 public:
     explicit Nearest(std::string_view word);

@@ -1,0 +1,14 @@
+// Formula files for the commands that answer the question that a formula asks. They do not take in
+// silence what a run takes and hardly anybody means.
+
+#pragma once
+
+#include "condition.h"
+#include "ntamodel.h"
+
+#include <string>
+
+/// What the formula of name + ".in" asks of a state of the network, which is read. The warnings of
+/// checkFormula go to standard error, each in its line. A file that a run refuses and a formula
+/// with a temporal operator end the process with status 1 and one more line there.
+[[nodiscard]] Condition readAskedFormula(const NetTimedModel& model, const std::string& name);

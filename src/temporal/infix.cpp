@@ -1,0 +1,18 @@
+#include "infix.h"
+
+#include "scanner.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+bool looksLikeExpression(const std::string& text, const FormulaFault& fault) {
+    const std::string_view line = text;
+    if (line.find_first_of("!|()\"") != line.npos || line.find("->") != line.npos) return true;
+    const std::size_t at = line.find('&');
+    // Ahead of the fault it is an operator of a formula.
+    if (at == line.npos || at + 1 < fault.column) return false;
+    const std::string_view left = trimmed(line.substr(0, at));
+    return !left.empty() && std::none_of(left.begin(), left.end(), isBlank) &&
+           !trimmed(line.substr(at + 1)).empty();
+}
