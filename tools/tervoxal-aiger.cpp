@@ -2,6 +2,7 @@
 // checkers.
 
 #include "aiger.h"
+#include "askedformula.h"
 #include "command.h"
 #include "filenames.h"
 #include "names.h"
@@ -26,10 +27,7 @@ int main(int argc, char* argv[]) {
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));
-    model.readFormula(inputName(line.operands[1]));
-    Circuit circuit = reachability(model, reachedCondition(*model.form));
-    nameSymbols(circuit, model, names);
-    showAIGER(std::cout, circuit, line.has("ascii"));
+    Circuit circuit = reachability(model, readAskedFormula(model, inputName(line.operands[1])));
     nameSymbols(circuit, model, names);
     showAIGER(std::cout, circuit, line.has("ascii"));
     return finished(0);

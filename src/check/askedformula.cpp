@@ -10,14 +10,11 @@
 namespace {
 
 void refuseTemporal(const EctlForm& form) {
-    for (const OnpNode& token : form.onp) {
-        if (token.op < OpEG) continue;
-        const bool outermost = form.op == OpEF && form.temporalLength() == 1;
-        error("formula: " + operStr(token.op) +
-              " is a temporal operator, and none is translated: what is asked is whether a state "
-              "can be reached in which the formula holds" +
-              (outermost ? ", so ask " + excerpt(form.left) : ""));
-    }
+    if (form.temporalLength() == 0) return;
+    const bool outermost = form.op == OpEF && form.temporalLength() == 1;
+    error("formula: a temporal operator, and none is translated: what is asked is whether a state "
+          "can be reached in which the formula holds" +
+          (outermost ? ", so ask " + excerpt(form.left) : ""));
 }
 
 } // namespace

@@ -30,15 +30,6 @@ Condition conditionOf(const EctlForm& form) {
     return condition;
 }
 
-Condition reachedCondition(const EctlForm& form) {
-    for (const OnpNode& token : form.onp) {
-        if (token.op <= OpDis) continue;
-        error("formula: no temporal operators here, but " + operStr(token.op) +
-              "; whether a state can be reached is what is asked, so ask p in place of pEF");
-    }
-    return conditionOf(form);
-}
-
 namespace {
 
 /// Writes what it is called with, behind what it has written.

@@ -48,11 +48,6 @@ struct Condition {
 /// ahead of the first. Ends the process like refuseWithoutValue.
 [[nodiscard]] Condition conditionOf(const EctlForm& form);
 
-/// The same for those who ask whether such a state can be reached: a formula with a temporal
-/// operator ends the process with status 1 and one line on standard error, which tells what to ask
-/// instead.
-[[nodiscard]] Condition reachedCondition(const EctlForm& form);
-
 /// The same question as a formula in postfix notation, with the constants folded away: a formula
 /// negates propositions only and has no false, so that is p0p-0&. Linear in the condition.
 /// Precondition, asserted: the condition is about propositions alone, and negates nothing else.
