@@ -103,8 +103,9 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         ASSERT_EQ(scratch.run("$T" + arguments), 0);
         const bool reachable = search(transitions, k);
         satisfiable += reachable ? 1 : 0;
-        ASSERT_EQ(scratch.run("$D/tervoxal-aiger net form >question.aig"), 0);
-        if (scratch.run("command -v berkeley-abc") == 0) { // not each release of Debian has it
+        const bool temporal = formula.ends_with("EG");
+        ASSERT_EQ(scratch.run("$D/tervoxal-aiger net form >question.aig"), temporal ? 1 : 0);
+        if (!temporal && scratch.run("command -v berkeley-abc") == 0) { // not each release of Debian has it
             ASSERT_EQ(scratch.run("berkeley-abc -c 'read_aiger question.aig; pdr'"), 0);
             const char* const answer =
                 searchAll(transitions) ? "asserted in frame" : "Property proved";
