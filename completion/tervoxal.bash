@@ -15,6 +15,7 @@ _tervoxal() {
     case $option in
     --format) mapfile -t COMPREPLY < <(compgen -W $'text\njson\nvcd\ndot' -- "$word") ;;
     --solver) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
+    --witness) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     --keep) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --from | --jobs | --prove-time) ;;
     *)

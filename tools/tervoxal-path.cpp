@@ -3,6 +3,7 @@
 
 #include "amounts.h"
 #include "answer.h"
+#include "choices.h"
 #include "command.h"
 #include "fatal.h"
 #include "filenames.h"
@@ -14,6 +15,7 @@
 #include "sidefile.h"
 #include "transitions.h"
 #include "walk.h"
+#include "witness.h"
 
 #include <fstream>
 #include <iostream>
@@ -23,29 +25,76 @@ namespace {
 
 const Command command{
     "tervoxal-path",
-    "NetworkFile FormulaFile PathLen [SolverOutput]",
+    "NetworkFile FormulaFile [PathLen [SolverOutput]]",
     "Tells the path that a SAT solver found in the clauses of\n"
     "'tervoxal NetworkFile FormulaFile PathLen', replayed on the network. SolverOutput is what "
     "the\n"
     "solver printed, MiniSat's result file, or a list of literals; without it, or with -, it is\n"
     "read from standard input. The side file of the run has to be beside the network.\n"
     "\n"
+    "With --witness, PathLen and SolverOutput are left out: it tells the path that a model "
+    "checker\n"
+    "found in the circuit of 'tervoxal-aiger NetworkFile FormulaFile', and needs no side file.\n"
+    "\n"
     "The exit status is 10 for a path, 20 if the solver says that there is none, 0 if the solver\n"
     "gave no answer, and 1 if anything is refused.\n",
-    {{"format", "FORMAT",
+    {{"witness", "FILE", "the AIGER witness of a model checker; - is standard input"},
+     {"format", "FORMAT",
       "text (the default): a block for each step;\n"
       "json: an object for other programs;\n"
       "vcd: a waveform for GTKWave;\n"
       "dot: the network with the path on it, for Graphviz"}},
-    3,
+    2,
     4};
 
-Answer answerOf(const CommandLine& line) {
-    if (line.operands.size() < 4 || line.operands[3] == "-") {
-        return readAnswer(std::cin, "standard input");
+/// A path of a solver, or the status where it tells none.
+struct Found {
+    Path path;
+    int status = 10;
+};
+
+/// Reads what a command wrote into the file of that name, or into standard input.
+template <class Read>
+auto answerIn(const std::string& file, const Read& read) {
+    if (file == "-") return read(std::cin, "standard input");
+    std::ifstream in = openInput(file);
+    return read(in, file);
+}
+
+/// What is told where there is no path, and the status.
+int withoutPath(Verdict verdict, const std::string& who, const std::string& steps) {
+    if (verdict == Verdict::unknown) {
+        std::cerr << "the " + who + " gave no answer\n";
+        return 0;
     }
-    std::ifstream in = openInput(line.operands[3]);
-    return readAnswer(in, line.operands[3]);
+    std::cerr << "no path of " + steps + " meets the formula: the " + who + "'s word, unchecked\n";
+    return 20;
+}
+
+Found solverPath(const CommandLine& line, const NetTimedModel& model) {
+    if (line.operands.size() < 3) line.misused("missing operand");
+    const std::string& pathLen = line.operands[2];
+    const int k = pathLength(pathLen);
+    if (k <= 0) error("Length of path should be > 0");
+    const int maxVar = readSideFile(model, k, runName(inputName(line.operands[0]), pathLen));
+    const Answer answer = answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
+    if (answer.verdict != Verdict::satisfiable) {
+        return {{}, withoutPath(answer.verdict, "solver", steps(k))};
+    }
+    return {decodePath(model, k, maxVar, answer.literals)};
+}
+
+Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
+    if (line.operands.size() > 2) line.misused("extra operand '" + line.operands[2] + "'");
+    const CircuitShape shape{Choices(model).bits, static_cast<std::size_t>(model.totalNrVertBits)};
+    const Witness witness =
+        answerIn(line.value("witness", ""), [&](std::istream& in, const std::string& name) {
+            return readWitness(in, name, shape);
+        });
+    if (witness.verdict != Verdict::satisfiable) {
+        return {{}, withoutPath(witness.verdict, "model checker", "any length")};
+    }
+    return {decodeChoices(model, witness.steps)};
 }
 
 } // namespace
@@ -58,30 +107,17 @@ int main(int argc, char* argv[]) {
     if (show == nullptr) line.misused("unknown format '" + format + "'");
     const std::string network = inputName(line.operands[0]);
     const std::string formula = inputName(line.operands[1]);
-    const std::string& pathLen = line.operands[2];
-    const int k = pathLength(pathLen);
-    if (k <= 0) error("Length of path should be > 0");
 
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, network);
     model.readFormula(formula);
     const Condition condition = conditionOf(*model.form);
-    const int maxVar = readSideFile(model, k, runName(network, pathLen));
-    const Answer answer = answerOf(line);
-    if (answer.verdict == Verdict::unknown) {
-        std::cerr << "the solver gave no answer\n";
-        return finished(0);
-    }
-    if (answer.verdict == Verdict::unsatisfiable) {
-        std::cerr << "no path of " << steps(k)
-                  << " meets the formula: the solver's word, unchecked\n";
-        return finished(20);
-    }
+    const Found found = line.has("witness") ? witnessPath(line, model) : solverPath(line, model);
+    if (found.status != 10) return finished(found.status);
 
-    const Path path = decodePath(model, k, maxVar, answer.literals);
     const Transitions transitions(model);
-    const Walk walk(transitions, path, condition);
+    const Walk walk(transitions, found.path, condition);
     replay(walk, names);
     show(std::cout, {walk, names, network, formula});
     return finished(10);

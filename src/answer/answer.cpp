@@ -74,6 +74,7 @@ private:
 
     void takeVerdict(std::string_view text) {
         const std::optional<Verdict> told = verdictOf(text);
+        if (text == "b0") refuse("the witness of a model checker, which --witness takes");
         if (!told) refuse("neither a verdict nor literals: '" + excerpt(text) + "'");
         if (verdict) refuse("a second verdict");
         verdict = told;

@@ -1,6 +1,9 @@
 #include "path.h"
 
+#include "choices.h"
+
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace {
@@ -58,5 +61,51 @@ Path decodePath(const NetTimedModel& model, int k, int maxVar, std::span<const i
     }
     finishPosition();
     finishPosition(); // of this position all are in location 0
+    return path;
+}
+
+namespace {
+
+/// The number in a field of the text.
+uint numberIn(const std::string& text, const Choices::Field& field) {
+    uint number = 0;
+    for (int i = field.width; i-- > 0;) {
+        number = 2 * number + (text[field.first + static_cast<std::size_t>(i)] == '1' ? 1U : 0U);
+    }
+    return number;
+}
+
+/// What the chosen action changes, which is nothing where it is not possible.
+std::vector<Change> chosenChanges(const NetTimedModel& model, const Choices& choices,
+                                  const State& state, const std::string& text) {
+    const uint index = numberIn(text, choices.action);
+    if (index >= choices.actions.size()) return {};
+    const uint action = choices.actions[index];
+    std::vector<Change> changes;
+    for (const uint a : model.actionAutomata.at(action)) {
+        const std::optional<uint> target = Choices::target(
+            model.actionEdges.at({a, action}), state[a], numberIn(text, choices.automata[a]));
+        if (!target) return {};
+        if (*target != state[a]) changes.push_back({a, state[a], *target});
+    }
+    return changes;
+}
+
+} // namespace
+
+Path decodeChoices(const NetTimedModel& model, std::span<const std::string> texts) {
+    const Choices choices(model);
+    Path path{0, initialState(model), {}};
+    State state = path.first;
+    for (const std::string& text : texts) {
+        assert(text.size() == choices.bits);
+        const std::vector<Change> changes = chosenChanges(model, choices, state, text);
+        if (changes.empty()) continue;
+        ++path.k;
+        for (const Change& change : changes) {
+            path.changes.push_back({path.k, change});
+            state[change.automaton] = change.target;
+        }
+    }
     return path;
 }

@@ -1,15 +1,16 @@
-// A path of a network: states at the positions 0 to k, as a solver's model tells them. Whether it
-// is a run of the network is for a walk to find out.
+// A path of a network: states at the positions 0 to k, as a solver's model or the choices of its
+// steps tell them. Whether it is a run of the network is for a walk to find out.
 //
-// Bit i of automaton a at position p is the state variable 1 + p * totalNrVertBits + bitShift[a] +
-// i. A variable that is missing from the model, or greater than the largest one in the clauses, is
-// 0.
+// In a model, bit i of automaton a at position p is the state variable 1 + p * totalNrVertBits +
+// bitShift[a] + i. A variable that is missing from the model, or greater than the largest one in
+// the clauses, is 0.
 
 #pragma once
 
 #include "state.h"
 
 #include <span>
+#include <string>
 #include <vector>
 
 struct Path {
@@ -30,3 +31,7 @@ struct Path {
 /// maxVar is the largest state variable in the clauses. Linear in the literals and a state.
 [[nodiscard]] Path decodePath(const NetTimedModel& model, int k, int maxVar,
                               std::span<const int> literals);
+/// Makes the steps that are chosen, from the initial state; those that change nothing are left out.
+/// Each choice is a 0 or 1 for each bit of choices.h, anything else being a 0. Linear in the
+/// choices and the moves that they choose among.
+[[nodiscard]] Path decodeChoices(const NetTimedModel& model, std::span<const std::string> choices);

@@ -2,6 +2,7 @@
 
 #include "reachability.h"
 
+#include "path.h"
 #include "plain.h"
 
 #include <utility>
@@ -58,6 +59,14 @@ struct Aiger {
         return values.at(literal / 2) != (literal % 2 == 1);
     }
 
+    [[nodiscard]] std::vector<bool> nextState(const std::vector<bool>& in,
+                                              const std::vector<bool>& state) const {
+        const std::vector<bool> all = values(in, state);
+        std::vector<bool> next;
+        for (const std::size_t literal : nexts) next.push_back(value(all, literal));
+        return next;
+    }
+
     /// The same file in the binary form.
     [[nodiscard]] std::string binary() const {
         std::ostringstream out;
@@ -101,6 +110,7 @@ TEST(Reachability, circuitFollowsTheNetwork) {
     const Scratch dir;
     std::array<int, 2> reached = {0, 0};
     int steps = 0;
+    std::size_t changes = 0;
     for (uint seed = 1; seed <= 400; ++seed) {
         Random random(seed);
         const std::string network = randomNetwork(random, random() % 5);
@@ -146,10 +156,7 @@ TEST(Reachability, circuitFollowsTheNetwork) {
                 const bool holds = meets(model, state, formula);
                 EXPECT_EQ(Aiger::value(values, aiger.output), holds);
                 ++reached.at(holds ? 1 : 0);
-                std::vector<bool> latches;
-                for (const std::size_t literal : aiger.nexts)
-                    latches.push_back(Aiger::value(values, literal));
-                next.insert(latches);
+                next.insert(aiger.nextState(inputs, bits(model, state)));
             }
             for (const std::vector<bool>& latches : next) {
                 const State to = stateOf(model, latches);
@@ -163,6 +170,27 @@ TEST(Reachability, circuitFollowsTheNetwork) {
             }
             state = to;
         }
+
+        // A path that is told by its choices ends where the circuit does.
+        std::vector<std::string> choices;
+        std::vector<bool> latches(aiger.nexts.size());
+        for (int step = 0; step < 20; ++step) {
+            std::string& choice = choices.emplace_back();
+            for (std::size_t i = 0; i < inputs.size(); ++i) {
+                inputs[i] = random() % 2 == 0;
+                choice += inputs[i] ? '1' : '0';
+            }
+            latches = aiger.nextState(inputs, latches);
+        }
+        const Path path = decodeChoices(model, choices);
+        State to = path.first;
+        for (const auto& [position, change] : path.changes) {
+            EXPECT_EQ(to[change.automaton], change.source);
+            to[change.automaton] = change.target;
+        }
+        EXPECT_EQ(to, stateOf(model, latches));
+        changes += path.changes.size();
     }
     EXPECT_GT(std::min({reached[0], reached[1], steps}), 2000);
+    EXPECT_GT(changes, 500U);
 }
