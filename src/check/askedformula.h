@@ -1,5 +1,5 @@
-// Formula files for the commands that answer the question that a formula asks. They do not take in
-// silence what a run takes and hardly anybody means.
+// The formula file of a command that answers what the formula asks. Such a command does not take in
+// silence what hardly anybody means.
 
 #pragma once
 

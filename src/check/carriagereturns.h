@@ -1,4 +1,4 @@
-// Carriage returns, which stand at the line ends of some editors and mean nothing in our files.
+// Carriage returns. Some editors put them at line ends; here they are characters like others.
 
 #pragma once
 

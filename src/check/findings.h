@@ -1,4 +1,4 @@
-// What is found in a file that people write: errors, for which it is refused, and warnings.
+// What is found in a file: errors, for which a run refuses it, and warnings.
 
 #pragma once
 
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-/// The findings of one file. Findings are alike if they differ only in numbers and in what stands
-/// from the first double quote to the last one. Of those the first ten are kept and the others
-/// counted, so no file makes a flood of them.
+/// The findings of one file. They are alike if they differ only in their numbers and between their
+/// first double quote and the last one. Ten that are alike are kept and the others counted, so no
+/// file makes a flood of them.
 class Findings {
 public:
     void error(long line, const std::string& text) { add(line, Kind::error, text); }

@@ -16,6 +16,6 @@
 std::optional<EctlForm> checkFormula(const std::string& file, const CheckedNetwork& network,
                                      Findings& findings);
 
-/// A warning for each proposition that is asked and not carried by any location.
+/// A warning for each proposition that is asked for and that no location carries.
 [[nodiscard]] std::vector<std::string> uncarried(const std::set<unsigned int>& asked,
                                                  const std::set<unsigned int>& carried);

@@ -1,8 +1,7 @@
-// What can be said of a network file ahead of a run: the errors, for which a run refuses it, and
-// the warnings, for what a run takes although it hardly can be meant.
+// Looks for mistakes in a network file. What a run refuses is an error. What a run takes and hardly
+// anybody means is a warning.
 //
-// A run ends at its first error. The check goes on behind it as far as the file can be understood:
-// it takes an indented or misspelt keyword for the keyword, and leaves out what it cannot read.
+// A run ends at its first error. The check goes on at the next automaton.
 
 #pragma once
 

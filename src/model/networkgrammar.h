@@ -44,11 +44,12 @@ concept NetworkHandler = requires(Handler handler, int automaton, unsigned int n
     handler.transition(transition, named, behind);
     // The line `valuation`.
     handler.valuation();
-    // A line of the valuation begins; it is of that location.
+    // The location of a line of the valuation.
     handler.value(number);
-    // A proposition of that line: its location and its number.
+    // A proposition of that line, behind its location.
     handler.prop(number, number);
-    // The line ends: its location, its last proposition if it has one.
+    // The end of that line: its location, its last proposition if it has one, and what stands
+    // behind its numbers.
     handler.behindValue(number, prop, behind);
     // A line of the valuation that begins with no number.
     handler.ignored();
@@ -56,8 +57,8 @@ concept NetworkHandler = requires(Handler handler, int automaton, unsigned int n
     handler.closed();
     // The closing line of the network.
     handler.end();
-    // The rest of the automaton cannot be read. The handler ends the process, or goes to the
-    // first line of the next automaton, or gives false where there is none.
+    // A fault; the rest of the automaton is left out. The handler ends the process, or goes to the
+    // first line of the next automaton and gives true, or gives false where there is none.
     { handler.refused(fault) } -> std::same_as<bool>;
 };
 

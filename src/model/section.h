@@ -1,5 +1,5 @@
-// One automaton as a network file tells it: its declarations in the order of the file, before they
-// are known to make an automaton.
+// What one automaton of a network file declares, before it is known whether that makes an
+// automaton.
 
 #pragma once
 
@@ -20,10 +20,10 @@ public:
 
     /// Sorts the declarations and drops repeats.
     void sort();
-    /// Why the declarations, which are sorted, make no automaton; nothing where they do: the
-    /// locations are 0 to L - 1 with L at least 1, and transitions and valuation name no other.
-    /// The number is that of the automaton. A fault that is not that of a line is told at the line
-    /// `end`, which closes the automaton.
+    /// Why the sorted declarations make no automaton, if they make none. They make one if the
+    /// locations are 0 to L - 1 with L at least 1, and transitions and valuation name no others.
+    /// automaton: its number; end: the line that closes it, where a fault of no single line is
+    /// told.
     [[nodiscard]] std::optional<NetworkFault> fault(int automaton, long end) const;
 
     std::vector<unsigned int> locations;

@@ -1,4 +1,4 @@
-// Names are any bytes. These functions make them fit for the formats that show them.
+// Names may hold any bytes. These functions make them fit to be shown.
 
 #pragma once
 
