@@ -66,6 +66,9 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, network);
     model.readFormula(formula);
+    if (model.form->temporalLength() > 0) {
+        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
+    }
     const Condition condition = conditionOf(*model.form);
     const int maxVar = readSideFile(model, k, runName(network, pathLen));
     const Answer answer = answerOf(line);
