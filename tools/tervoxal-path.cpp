@@ -112,6 +112,9 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, network);
     model.readFormula(formula);
+    if (model.form->temporalLength() > 0) {
+        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
+    }
     const Condition condition = conditionOf(*model.form);
     const Found found = line.has("witness") ? witnessPath(line, model) : solverPath(line, model);
     if (found.status != 10) return finished(found.status);

@@ -45,7 +45,8 @@ private:
 };
 
 bool isReference(const NetDraft::Node& node) {
-    return node.kind == NodeKind::placeReference || node.kind == NodeKind::transitionReference;
+    return node.kind == NetNodeKind::placeReference ||
+           node.kind == NetNodeKind::transitionReference;
 }
 
 /// Each reference becomes what it stands for. Chains are followed once, from their end back.
@@ -62,11 +63,12 @@ void Resolver::resolveReferences() {
         for (; !chain.empty(); chain.pop_back()) {
             NetDraft::Node& node = nodes[chain.back()];
             const NetDraft::Node& target = nodes[at];
-            const NodeKind kind =
-                node.kind == NodeKind::placeReference ? NodeKind::place : NodeKind::transition;
+            const NetNodeKind kind = node.kind == NetNodeKind::placeReference
+                                         ? NetNodeKind::place
+                                         : NetNodeKind::transition;
             if (target.kind != kind) {
                 refuse(node.line, "reference " + shown(*node.id) + " stands for no " +
-                                      (kind == NodeKind::place ? "place" : "transition"));
+                                      (kind == NetNodeKind::place ? "place" : "transition"));
             }
             node.kind = target.kind;
             node.number = target.number;
@@ -77,7 +79,7 @@ void Resolver::resolveReferences() {
 
 const NetDraft::Node& Resolver::endOf(uint node, const NetDraft::Arc& arc) const {
     const NetDraft::Node& end = draft->nodes[node];
-    if (end.kind == NodeKind::nothing) {
+    if (end.kind == NetNodeKind::nothing) {
         refuse(arc.line, "there is no node " + shown(*end.id) + " for the arc");
     }
     return end;
@@ -98,9 +100,9 @@ void Resolver::addArcs() {
         if (source.kind == target.kind) {
             refuse(arc.line, "the arc leads from " + shown(*source.id) + " to " +
                                  shown(*target.id) + ", which are both " +
-                                 (source.kind == NodeKind::place ? "places" : "transitions"));
+                                 (source.kind == NetNodeKind::place ? "places" : "transitions"));
         }
-        const bool puts = source.kind == NodeKind::transition;
+        const bool puts = source.kind == NetNodeKind::transition;
         sorted.push_back({puts ? source.number : target.number,
                           puts ? target.number : source.number, puts, arc.line});
     }
@@ -135,7 +137,7 @@ void Resolver::addUnits() {
             refuse(member.line, "unit " + shown(draft->units[member.unit]) + what);
         };
         const NetDraft::Node& node = draft->nodes[member.node];
-        if (node.kind != NodeKind::place) refuseMember(" names no place: " + shown(*node.id));
+        if (node.kind != NetNodeKind::place) refuseMember(" names no place: " + shown(*node.id));
         PetriNet::Place& place = net->places[node.number];
         if (place.unit != none) {
             refuseMember(" has place " + shown(*node.id) + ", which is that of unit " +
@@ -150,7 +152,7 @@ void Resolver::addUnits() {
         if (place.marked && std::exchange(marked, true)) refuseMember(" has two places marked");
     }
     for (const NetDraft::Node& node : draft->nodes) {
-        if (node.kind == NodeKind::place && net->places[node.number].unit == none) {
+        if (node.kind == NetNodeKind::place && net->places[node.number].unit == none) {
             refuse(node.line, "place " + shown(*node.id) + " is in no unit");
         }
     }
@@ -170,7 +172,7 @@ uint NetDraft::nodeOf(std::string_view id) {
     if (known != ids.end()) return known->second;
     const auto number = static_cast<uint>(nodes.size());
     const auto entry = ids.emplace(id, number).first;
-    nodes.push_back({&entry->first, 0, 0, NodeKind::nothing});
+    nodes.push_back({&entry->first, 0, 0, NetNodeKind::nothing});
     return number;
 }
 

@@ -13,7 +13,7 @@
 #include <vector>
 
 /// What an id stands for; nothing, as long as it is only mentioned.
-enum class NodeKind : unsigned char {
+enum class NetNodeKind : unsigned char {
     nothing,
     place,
     transition,
@@ -26,7 +26,7 @@ struct NetDraft {
         const std::string* id; // a key of ids
         unsigned long line;    // of the declaration
         uint number;           // of the place or transition; of the node that a reference names
-        NodeKind kind;
+        NetNodeKind kind;
     };
     struct Arc {
         uint source; // nodes of any kind

@@ -165,7 +165,7 @@ private:
     void characters(std::string_view more);
     void beginNet(const char** attributes);
     void beginArc(const char** attributes);
-    void declare(NodeKind kind, std::size_t number, const char** attributes);
+    void declare(NetNodeKind kind, std::size_t number, const char** attributes);
     void endText();
     void endUnitPlaces();
     /// Refuses a text that is neither of the two; gives whether it is 1.
@@ -252,19 +252,19 @@ void Reader::begin(const char* name, const char** attributes) {
     switch (element) {
     case Element::net: beginNet(attributes); break;
     case Element::place:
-        declare(NodeKind::place, net->places.size(), attributes);
+        declare(NetNodeKind::place, net->places.size(), attributes);
         net->places.push_back({"", 0, false});
         marked = false;
         break;
     case Element::transition:
-        declare(NodeKind::transition, net->transitions.size(), attributes);
+        declare(NetNodeKind::transition, net->transitions.size(), attributes);
         net->transitions.push_back({"", line()});
         break;
     case Element::placeReference:
     case Element::transitionReference:
         if (const char* to = needed(attributes, "ref", std::string(local))) {
-            declare(element == Element::placeReference ? NodeKind::placeReference
-                                                       : NodeKind::transitionReference,
+            declare(element == Element::placeReference ? NetNodeKind::placeReference
+                                                       : NetNodeKind::transitionReference,
                     draft->nodeOf(to), attributes);
         }
         break;
@@ -353,12 +353,12 @@ void Reader::beginArc(const char** attributes) {
     draft->arcs.push_back({from, draft->nodeOf(target), line()});
 }
 
-void Reader::declare(NodeKind kind, std::size_t number, const char** attributes) {
+void Reader::declare(NetNodeKind kind, std::size_t number, const char** attributes) {
     const char* found = needed(attributes, "id", "node");
     if (found == nullptr) return;
     id = found;
     NetDraft::Node& node = draft->nodes[draft->nodeOf(id)];
-    if (node.kind != NodeKind::nothing) {
+    if (node.kind != NetNodeKind::nothing) {
         return refuse("id " + shown(id) + " is that of line " + std::to_string(node.line) +
                       " as well");
     }
