@@ -233,8 +233,10 @@ std::string howEnded(const std::string& who, int status, const std::filesystem::
 }
 
 std::vector<std::string> warnings(const std::filesystem::path& log) {
-    std::ifstream in(log, std::ios::binary);
     std::vector<std::string> found;
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(log, ignored)) return found; // it may have no end
+    std::ifstream in(log, std::ios::binary);
     for (std::string line; std::getline(in, line);) {
         if (line.starts_with("warning: ")) found.push_back(line);
     }

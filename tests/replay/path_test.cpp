@@ -108,7 +108,9 @@ TEST(PathTool, takesExactlyTheRunsThatMeetTheFormula) {
             expected = shown(asked, decoded(asked, k, variables), formula);
         EXPECT_EQ(dir.run("\"$D\"/tervoxal-path --format=json net form " + length + " answer"),
                   expected.empty() ? 1 : 10);
-        EXPECT_EQ(std::ranges::count(dir.read("stderr"), '\n'), expected.empty() ? 1 : 0);
+        const int warnings = formula.ends_with("EG") ? 1 : 0;
+        EXPECT_EQ(std::ranges::count(dir.read("stderr"), '\n') - warnings,
+                  expected.empty() ? 1 : 0);
         EXPECT_EQ(dir.read("stdout").empty(), expected.empty());
         EXPECT_TRUE(dir.read("stdout").ends_with(expected));
         ++taken.at(expected.empty() ? 0 : 1);
