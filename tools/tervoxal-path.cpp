@@ -43,7 +43,10 @@ const Command command{
       "text (the default): a block for each step;\n"
       "json: an object for other programs;\n"
       "vcd: a waveform for GTKWave;\n"
-      "dot: the network with the path on it, for Graphviz"}},
+      "dot: the network with the path on it, for Graphviz"},
+     {"all", "",
+      "with dot, draw all automata; by default those that take part in a step or that\n"
+      "the formula speaks of"}},
     2,
     4};
 
@@ -122,6 +125,6 @@ int main(int argc, char* argv[]) {
     const Transitions transitions(model);
     const Walk walk(transitions, found.path, condition);
     replay(walk, names);
-    show(std::cout, {walk, names, network, formula});
+    show(std::cout, {walk, names, network, formula, line.has("all")});
     return finished(10);
 }

@@ -80,6 +80,14 @@ void Property::change(const Change& change) {
     forEach(change.target, true);
 }
 
+std::set<uint> Property::automata() const {
+    std::set<uint> all;
+    for (const auto& [location, atom] : counted) {
+        if (atom < asked) all.insert(all.end(), location.first);
+    }
+    return all;
+}
+
 namespace {
 
 /// Truth values over atoms.

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
     void change(const Change& change);
     /// Whether the condition holds in the state that it has come to.
     [[nodiscard]] bool holds();
+    /// The automata that the condition speaks of: those that carry its propositions, that it places
+    /// and that have its actions. A deadlock speaks of none.
+    [[nodiscard]] std::set<uint> automata() const;
 
 private:
     struct Atom {
