@@ -2,9 +2,9 @@
 
 #include "fatal.h"
 #include "message.h"
+#include "scanner.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -138,20 +138,20 @@ void Resolver::addArcs() {
 }
 
 void Resolver::numberPlaces() {
+    constexpr std::uint64_t largest = std::numeric_limits<int>::max();
     std::vector<PetriNet::Place>& places = net->places;
     std::vector<uint> numbers;
     for (const PetriNet::Place& place : places) {
         const std::string_view name = place.name;
-        int number = -1;
-        if (name.starts_with('p') && name.find_first_not_of("0123456789", 1) == name.npos) {
-            std::from_chars(name.data() + 1, name.data() + name.size(), number);
+        uint number = 0;
+        if (name.starts_with('p') && wholeNumber(name.substr(1), number) == Found::number &&
+            number <= largest) {
+            numbers.push_back(number);
         }
-        if (number >= 0) numbers.push_back(static_cast<uint>(number));
     }
     const std::set<uint> different(numbers.begin(), numbers.end());
     const bool named = different.size() == places.size();
     for (uint p = 0; p < places.size(); ++p) places[p].prop = named ? numbers[p] : p + 1;
-    constexpr std::uint64_t largest = std::numeric_limits<int>::max();
     const std::uint64_t last = named && !places.empty() ? *different.rbegin() : places.size();
     if (last + std::uint64_t{net->bound} * places.size() > largest) {
         error(*file + ": propositions above " + std::to_string(largest));

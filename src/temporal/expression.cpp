@@ -6,12 +6,10 @@
 #include "readable.h"
 #include "scanner.h"
 
-#include <charconv>
 #include <cstddef>
 #include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -192,8 +190,7 @@ private:
 
     [[nodiscard]] unsigned int numberIn(const Word& digits, const Sort& sort) const {
         int number = 0;
-        const char* const end = digits.text.data() + digits.text.size();
-        if (std::from_chars(digits.text.data(), end, number).ec != std::errc()) {
+        if (wholeNumber(digits.text, number) != Found::number) {
             refuse(digits.begin, sort.one + " number above 2147483647");
         }
         return static_cast<unsigned int>(number);
