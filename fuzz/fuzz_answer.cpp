@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return orRefused([&] {
         std::istringstream in(std::string(reinterpret_cast<const char*>(data), size));
         const Answer answer = readAnswer(in, "fuzz");
-        assert(answer.verdict == Verdict::satisfiable || answer.literals.empty());
+        assert(answer.verdict == Answer::Verdict::satisfiable || answer.literals.empty());
         int before = 0;
         for (const int literal : answer.literals) {
             assert(std::abs(literal) > before);

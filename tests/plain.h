@@ -32,6 +32,17 @@ inline std::vector<uint> actionsBetween(const NetTimedModel& model, const State&
     return all;
 }
 
+/// Whether all automata of the action can take it.
+inline bool isPossible(const NetTimedModel& model, const State& state, uint action) {
+    for (const uint a : model.actionAutomata.at(action)) {
+        bool here = false;
+        for (const auto& [edge, ignored] : model.edges)
+            here = here || (edge.first == std::pair(a, action) && edge.second.first == state[a]);
+        if (!here) return false;
+    }
+    return true;
+}
+
 /// Whether a formula of randomFormula holds in the state.
 inline bool meets(const NetTimedModel& model, const State& state, const std::string& formula) {
     std::vector<bool> values;

@@ -16,8 +16,10 @@ namespace {
 
 const std::string name = "tervoxal-import";
 
-void importNet(const std::string& file) {
-    const PetriNet net = readPnml(file);
+constexpr long greatestBound = 1000; // the propositions of a place take its square of text
+
+void importNet(const std::string& file, uint bound) {
+    const PetriNet net = readPnml(file, bound);
     const NetAutomata automata = automataOf(net);
     for (const auto& [transition, reason] : automata.leftOut) {
         const auto& [title, line] = net.transitions[transition];
@@ -33,10 +35,13 @@ void importNet(const std::string& file) {
 int main(int argc, char* argv[]) {
     const CommandLine line({name,
                             "FILE...",
-                            "Writes a network with names on standard output. FILE is one safe "
-                            "place/transition net\n(.pnml), or any number of labelled transition "
+                            "Writes a network with names on standard output. FILE is one "
+                            "place/transition net\n(.pnml), safe without --bound, or any number of "
+                            "labelled transition "
                             "systems (.aut), which synchronise on\nequal labels.\n",
-                            {},
+                            {{"bound", "N",
+                              "a net that is not safe: up to N tokens on a place, 1 to 1000; what "
+                              "would put\nmore cannot happen"}},
                             1,
                             -1},
                            argc, argv);
@@ -46,11 +51,13 @@ int main(int argc, char* argv[]) {
         return std::count_if(files.begin(), files.end(),
                              [&](const std::string& file) { return file.ends_with(suffix); });
     };
+    const auto bound = static_cast<uint>(line.number("bound", 1, greatestBound, 0));
     const auto all = static_cast<std::ptrdiff_t>(files.size());
     if (count(".aut") == all) {
+        if (bound > 0) line.misused("--bound is for .pnml files");
         writeNetwork(readAut(files), std::cout);
     } else if (count(".pnml") == all && all == 1) {
-        importNet(files.front());
+        importNet(files.front(), bound);
     } else if (count(".aut") + count(".pnml") == all) {
         error(name + ": one .pnml file or any number of .aut files can be imported at a time");
     } else {

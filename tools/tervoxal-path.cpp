@@ -43,7 +43,10 @@ const Command command{
       "text (the default): a block for each step;\n"
       "json: an object for other programs;\n"
       "vcd: a waveform for GTKWave;\n"
-      "dot: the network with the path on it, for Graphviz"}},
+      "dot: the network with the path on it, for Graphviz"},
+     {"all", "",
+      "with dot, draw all automata; by default those that take part in a step or that\n"
+      "the formula speaks of"}},
     2,
     4};
 
@@ -62,8 +65,8 @@ auto answerIn(const std::string& file, const Read& read) {
 }
 
 /// What is told where there is no path, and the status.
-int withoutPath(Verdict verdict, const std::string& who, const std::string& steps) {
-    if (verdict == Verdict::unknown) {
+int withoutPath(Answer::Verdict verdict, const std::string& who, const std::string& steps) {
+    if (verdict == Answer::Verdict::unknown) {
         std::cerr << "the " + who + " gave no answer\n";
         return 0;
     }
@@ -78,7 +81,7 @@ Found solverPath(const CommandLine& line, const NetTimedModel& model) {
     if (k <= 0) error("Length of path should be > 0");
     const int maxVar = readSideFile(model, k, runName(inputName(line.operands[0]), pathLen));
     const Answer answer = answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
-    if (answer.verdict != Verdict::satisfiable) {
+    if (answer.verdict != Answer::Verdict::satisfiable) {
         return {{}, withoutPath(answer.verdict, "solver", steps(k))};
     }
     return {decodePath(model, k, maxVar, answer.literals)};
@@ -91,7 +94,7 @@ Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
         answerIn(line.value("witness", ""), [&](std::istream& in, const std::string& name) {
             return readWitness(in, name, shape);
         });
-    if (witness.verdict != Verdict::satisfiable) {
+    if (witness.verdict != Answer::Verdict::satisfiable) {
         return {{}, withoutPath(witness.verdict, "model checker", "any length")};
     }
     return {decodeChoices(model, witness.steps)};
@@ -122,6 +125,6 @@ int main(int argc, char* argv[]) {
     const Transitions transitions(model);
     const Walk walk(transitions, found.path, condition);
     replay(walk, names);
-    show(std::cout, {walk, names, network, formula});
+    show(std::cout, {walk, names, network, formula, line.has("all")});
     return finished(10);
 }

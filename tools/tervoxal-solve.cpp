@@ -1,159 +1,155 @@
-// The command tervoxal-solve: the shortest path of a network on which a formula holds.
+// The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
+#include "answers.h"
+#include "askedformula.h"
 #include "command.h"
+#include "filenames.h"
 #include "names.h"
+#include "pathlength.h"
+#include "progress.h"
+#include "question.h"
 #include "report.h"
 #include "search.h"
-#include "transitions.h"
-#include "walk.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
-#include <iomanip>
 #include <iostream>
-#include <sstream>
 #include <string>
-#include <unistd.h>
+#include <vector>
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int greatestLength = 2147483647;
-
 const Command command{
     "tervoxal-solve",
-    "NetworkFile FormulaFile PathLen",
+    "NetworkFile [FormulaFile] PathLen",
     "Looks for the shortest path of 0 to PathLen steps on which the formula holds somewhere, and\n"
-    "prints it. Both files are named without their \".in\".\n"
+    "prints it. Both files are named without their \".in\". In place of FormulaFile, one of the\n"
+    "options --ask, --deadlock, --questions and --actions tells what is asked.\n"
     "\n"
-    "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 no\n"
-    "answer in time; 1 an error.\n",
-    {{"any", "", "stop at the first path, which need not be the shortest"},
+    "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 "
+    "no\n"
+    "answer in time; 1 an error. Of many questions: 10 a path to one; 20 none to any.\n",
+    {{"ask", "EXPRESSION", "a question with names, as tervoxal-formula takes it"},
+     {"deadlock", "", "the same as --ask=deadlock"},
+     {"questions", "FILE", "many at once, NAME: EXPRESSION in each line; prints a table"},
+     {"actions", "", "whether each action is ever possible; prints a table"},
+     {"paths", "DIRECTORY", "write the paths of a table there"},
+     {"any", "", "stop at the first path, which need not be the shortest"},
      {"time", "SECONDS", "end after SECONDS with what is known by then"},
      {"from", "K", "only paths of K steps or more (0)"},
-     {"format", "FORMAT", "text, json, vcd or dot, as tervoxal-path writes them (text)"}},
-    3,
+     {"format", "FORMAT",
+      "text, json, vcd or dot, as tervoxal-path writes them (text); json has\n"
+      "the whole table"},
+     {"all", "", "with dot, draw all automata"}},
+    2,
     3};
 
-std::string steps(int k) { return std::to_string(k) + (k == 1 ? " step" : " steps"); }
+/// What the call asks for.
+struct Call {
+    explicit Call(const CommandLine& line);
 
-/// "no path of 0 to 17 steps".
-std::string noneOf(int from, int to) {
-    return "no path of " + (from < to ? std::to_string(from) + " to " : "") + steps(to);
-}
-
-/// Lines of progress on standard error. On a terminal those about what is refuted are one line that
-/// changes.
-class Progress {
-public:
-    void refuted(int from, int to) {
-        if (to < from || to == told) return;
-        told = to;
-        say(noneOf(from, to) + ", " + seconds());
-        if (!moving) end();
-    }
-    void found(int length) {
-        end();
-        say("a path of " + steps(length) + ", " + seconds());
-        std::cerr << '\n';
-        open = false;
-    }
-    /// Closes the line that changes.
-    void end() {
-        if (open) std::cerr << '\n';
-        open = false;
-    }
-
-private:
-    void say(const std::string& text) {
-        std::cerr << (open ? "\r\033[K" : "") << text;
-        open = true;
-        if (moving) std::cerr.flush();
-    }
-    [[nodiscard]] std::string seconds() const {
-        std::ostringstream text;
-        text << std::fixed << std::setprecision(2)
-             << std::chrono::duration<double>(Clock::now() - begin).count() << " s";
-        return text.str();
-    }
-
-    Clock::time_point begin = Clock::now();
-    bool moving = isatty(STDERR_FILENO) == 1;
-    bool open = false;
-    int told = -1;
+    bool many;
+    bool formulaFile;
+    std::string format;
+    Show show;
+    long seconds;
+    Answers::Asked asked;
 };
 
-/// The last word, and the status.
-int verdict(const Search& search, const Search::Range& range) {
-    const Finding& finding = search.findings()[0];
-    if (finding.never) {
-        std::cerr << "never, at any length: no path has more than " + steps(search.longest()) + '\n';
-        return 20;
+Call::Call(const CommandLine& line) {
+    const std::array<const char*, 4> instead = {"ask", "deadlock", "questions", "actions"};
+    const auto ways = std::ranges::count_if(instead, [&](auto option) { return line.has(option); });
+    if (ways > 1) line.misused("one of --ask, --deadlock, --questions and --actions at a time");
+    formulaFile = ways == 0;
+    line.expect(formulaFile ? 3 : 2);
+    many = line.has("questions") || line.has("actions");
+    Search::Range& range = asked.range;
+    range.to =
+        static_cast<int>(line.numberIn(line.operands.back(), "PathLen", 0, greatestPathLength));
+    range.from = static_cast<int>(line.number("from", 0, range.to, 0));
+    range.any = line.has("any");
+    seconds = line.number("time", 1, greatestPathLength, 0);
+    format = line.value("format", "text");
+    show = showOf(format);
+    if (show == nullptr) {
+        line.misused("--format needs text, json, vcd or dot, not '" + format + "'");
     }
-    if (finding.found && finding.length() <= range.to) {
-        if (!finding.least() && !range.any) {
-            std::cerr << "a path of " + steps(finding.length()) +
-                             ", not known to be the shortest\n";
-        }
-        return 10;
+    if (line.has("paths") && !many) line.misused("--paths needs --questions or --actions");
+    if (many && (format == "vcd" || format == "dot") && !line.has("paths")) {
+        line.misused("--format=" + format + " of many questions needs --paths");
     }
-    if (finding.refuted < range.to) {
-        std::cerr << (finding.refuted < range.from
-                          ? std::string("no length is decided")
-                          : noneOf(range.from, finding.refuted) + ", longer ones not looked at") +
-                         '\n';
-        return 0;
+    asked.network = inputName(line.operands[0]);
+    asked.all = line.has("all");
+}
+
+std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& model,
+                                  const Names& names) {
+    if (line.has("ask")) return {expressionQuestion(model, names, line.value("ask", ""))};
+    if (line.has("deadlock")) return {expressionQuestion(model, names, "deadlock")};
+    if (line.has("actions")) return actionQuestions(model, names);
+    if (line.has("questions")) return readQuestions(model, names, line.value("questions", ""));
+    const std::string formula = inputName(line.operands[1]);
+    return {{formula, formula, readAskedFormula(model, formula)}};
+}
+
+/// Shows the one answer, with what is to say of it on standard error.
+void show(const Call& call, const Answers& answers) {
+    const Verdict verdict = answers.verdict(0);
+    if (verdict.kind != Verdict::Kind::path || !answers.settled(0)) {
+        std::cerr << verdict.full() << '\n';
     }
-    std::cerr << noneOf(range.from, range.to) +
-                     (finding.found ? "; there is one of " + steps(finding.length())
-                                    : "; this says nothing of longer ones") +
-                     '\n';
-    return 20;
+    answers.showPath(std::cout, 0, call.show);
+}
+
+void showMany(const CommandLine& line, const Call& call, const Answers& answers) {
+    if (line.has("paths")) {
+        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
+                           call.show);
+    }
+    if (call.format == "json") {
+        answers.showJson(std::cout);
+    } else {
+        std::cout << '\n';
+        answers.showTable(std::cout);
+    }
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
-    const CommandLine call(command, argc, argv);
+    const CommandLine line(command, argc, argv);
     std::ios::sync_with_stdio(false);
-    Search::Range range;
-    range.to = static_cast<int>(call.numberIn(call.operands[2], "PathLen", 0, greatestLength));
-    range.from = static_cast<int>(call.number("from", 0, range.to, 0));
-    range.any = call.has("any");
-    const long time = call.number("time", 1, greatestLength, 0);
-    const std::string format = call.value("format", "text");
-    const Show show = showOf(format);
-    if (show == nullptr) {
-        call.misused("--format needs text, json, vcd or dot, not '" + format + "'");
-    }
-    const std::string& network = call.operands[0];
-    const std::string& formula = call.operands[1];
-    const Clock::time_point deadline = Clock::now() + std::chrono::seconds(time);
+    Call call(line);
+    const Clock::time_point deadline = Clock::now() + std::chrono::seconds(call.seconds);
 
     NetTimedModel model;
     Names names;
-    readNamedNetwork(model, names, network);
-    model.readFormula(formula);
-    const Condition condition = conditionOf(*model.form);
+    readNamedNetwork(model, names, call.asked.network);
+    call.asked.questions = questionsOf(line, model, names);
+    std::vector<Condition> conditions;
+    for (const Question& question : call.asked.questions) conditions.push_back(question.condition);
 
-    Progress progress;
-    Search* running = nullptr;
+    Progress progress(call.asked, call.many && call.format != "json");
+    const Answers* known = nullptr;
+    const Search* running = nullptr;
     Search::Listener listener;
-    listener.refuted = [&] { progress.refuted(range.from, running->findings()[0].refuted); };
-    listener.found = [&](const Finding& finding) { progress.found(finding.length()); };
-    if (time > 0) listener.stop = [&] { return Clock::now() >= deadline; };
-    Search search(model, {condition}, range, listener);
+    listener.refuted = [&] { progress.refuted(*running, *known); };
+    listener.found = [&](const Finding& finding) { progress.found(*running, *known, finding); };
+    if (call.seconds > 0) listener.stop = [&] { return Clock::now() >= deadline; };
+    Search search(model, std::move(conditions), call.asked.range, listener);
+    const Answers answers(call.asked, search, names);
     running = &search;
+    known = &answers;
     search.run();
     progress.end();
 
-    const int status = verdict(search, range);
-    if (status == 10) {
-        const Path path = pathOf(search.networkTables(), search.findings()[0].path);
-        const Transitions transitions(model);
-        const Walk walk(transitions, path, condition);
-        replay(walk, names);
-        show(std::cout, {walk, names, network, formula});
+    if (call.many) {
+        showMany(line, call, answers);
+    } else {
+        show(call, answers);
     }
-    return finished(status);
+    return finished(answers.status());
 }

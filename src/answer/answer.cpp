@@ -14,6 +14,8 @@
 
 namespace {
 
+using Verdict = Answer::Verdict;
+
 std::optional<Verdict> verdictOf(std::string_view text) {
     constexpr std::array<std::pair<std::string_view, Verdict>, 9> verdicts = {{
         {"s SATISFIABLE", Verdict::satisfiable},

@@ -22,9 +22,9 @@
 #include <string>
 #include <vector>
 
-enum class Verdict { satisfiable, unsatisfiable, unknown };
-
 struct Answer {
+    enum class Verdict { satisfiable, unsatisfiable, unknown };
+
     Verdict verdict;
     /// The model: literals by ascending variable, each variable once. Variables that the solver
     /// left out are missing. Empty unless satisfiable.

@@ -9,6 +9,8 @@
 
 namespace {
 
+using Verdict = Answer::Verdict;
+
 class WitnessReader {
 public:
     WitnessReader(std::istream& in, const std::string& name, const CircuitShape& shape)

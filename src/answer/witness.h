@@ -28,7 +28,7 @@ struct CircuitShape {
 };
 
 struct Witness {
-    Verdict verdict;
+    Answer::Verdict verdict;
     /// The inputs of each step: a 0, 1 or x for each. Empty unless satisfiable.
     std::vector<std::string> steps;
 };

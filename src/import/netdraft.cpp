@@ -2,9 +2,13 @@
 
 #include "fatal.h"
 #include "message.h"
+#include "scanner.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <set>
 #include <tuple>
 #include <utility>
 
@@ -20,6 +24,7 @@ public:
     void resolve() {
         resolveReferences();
         addArcs();
+        numberPlaces();
         if (draft->hasUnits) {
             addUnits();
         } else {
@@ -30,6 +35,7 @@ public:
 private:
     void resolveReferences();
     void addArcs();
+    void numberPlaces();
     void addUnits();
     void addPlacesAsUnits();
     /// The place or transition that an arc leads to.
@@ -90,6 +96,7 @@ void Resolver::addArcs() {
         uint transition;
         uint place;
         bool puts;
+        uint weight;
         unsigned long line;
     };
     std::vector<Sorted> sorted;
@@ -104,7 +111,7 @@ void Resolver::addArcs() {
         }
         const bool puts = source.kind == NetNodeKind::transition;
         sorted.push_back({puts ? source.number : target.number,
-                          puts ? target.number : source.number, puts, arc.line});
+                          puts ? target.number : source.number, puts, arc.weight, arc.line});
     }
     draft->arcs = {};
     std::sort(sorted.begin(), sorted.end(), [](const Sorted& x, const Sorted& y) {
@@ -115,15 +122,39 @@ void Resolver::addArcs() {
         const Sorted& arc = sorted[i];
         const bool goesOn =
             i > 0 && arc.transition == sorted[i - 1].transition && arc.place == sorted[i - 1].place;
-        if (!goesOn) {
-            net->arcs.push_back({arc.transition, arc.place, !arc.puts, arc.puts});
-        } else if (arc.puts == sorted[i - 1].puts) {
+        if (!goesOn) net->arcs.push_back({arc.transition, arc.place, 0, 0});
+        uint& weight = arc.puts ? net->arcs.back().puts : net->arcs.back().takes;
+        weight += arc.weight;
+        if (weight > std::max(net->bound, 1U)) {
             refuse(arc.line, "a second arc between " + shown(net->places[arc.place].name) +
                                  " and " + shown(net->transitions[arc.transition].name) +
-                                 ", where a safe net has weight 1");
-        } else {
-            net->arcs.back().puts = true;
+                                 (net->bound == 0 ? ", where a safe net has weight 1; for others "
+                                                    "there is --bound"
+                                                  : ", and together they weigh more than the "
+                                                    "bound of " +
+                                                        std::to_string(net->bound)));
         }
+    }
+}
+
+void Resolver::numberPlaces() {
+    constexpr std::uint64_t largest = std::numeric_limits<int>::max();
+    std::vector<PetriNet::Place>& places = net->places;
+    std::vector<uint> numbers;
+    for (const PetriNet::Place& place : places) {
+        const std::string_view name = place.name;
+        uint number = 0;
+        if (name.starts_with('p') && wholeNumber(name.substr(1), number) == Found::number &&
+            number <= largest) {
+            numbers.push_back(number);
+        }
+    }
+    const std::set<uint> different(numbers.begin(), numbers.end());
+    const bool named = different.size() == places.size();
+    for (uint p = 0; p < places.size(); ++p) places[p].prop = named ? numbers[p] : p + 1;
+    const std::uint64_t last = named && !places.empty() ? *different.rbegin() : places.size();
+    if (last + std::uint64_t{net->bound} * places.size() > largest) {
+        error(*file + ": propositions above " + std::to_string(largest));
     }
 }
 
@@ -149,7 +180,7 @@ void Resolver::addUnits() {
             net->units.push_back(draft->units[latest]);
         }
         place.unit = static_cast<uint>(net->units.size() - 1);
-        if (place.marked && std::exchange(marked, true)) refuseMember(" has two places marked");
+        if (place.tokens > 0 && std::exchange(marked, true)) refuseMember(" has two places marked");
     }
     for (const NetDraft::Node& node : draft->nodes) {
         if (node.kind == NetNodeKind::place && net->places[node.number].unit == none) {

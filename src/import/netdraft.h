@@ -32,6 +32,7 @@ struct NetDraft {
         uint source; // nodes of any kind
         uint target;
         unsigned long line;
+        uint weight;
     };
     /// A unit names a node as one of its places.
     struct Member {
@@ -43,7 +44,7 @@ struct NetDraft {
     /// The node of an id, new if the id is.
     uint nodeOf(std::string_view id);
 
-    PetriNet net; // its name, places and transitions; no arc, no unit
+    PetriNet net; // its name, bound, places and transitions; no arc, unit or proposition
     std::map<std::string, uint, std::less<>> ids;
     std::vector<Node> nodes;
     std::vector<Arc> arcs;

@@ -24,19 +24,33 @@ std::vector<uint> placesByUnit(const PetriNet& net) {
     return places;
 }
 
+/// The location of a place that has so many tokens, and the tokens that it has there.
+uint swapped(const PetriNet::Place& place, uint n) {
+    return n == place.tokens ? 0 : n == 0 ? place.tokens : n;
+}
+
 void layOutLocations(const PetriNet& net, NetAutomata& automata) {
     // One location of each unit is 0 and known ahead. The others are counted from 1.
     std::vector<uint>& none = automata.noneOf;
     none.assign(net.units.size(), 0);
     for (const PetriNet::Place& place : net.places) {
-        if (place.marked) none[place.unit] = nowhere;
+        if (place.tokens > 0) none[place.unit] = nowhere;
     }
     std::vector<uint> next(net.units.size(), 1);
     for (const PetriNet::Place& place : net.places) {
-        automata.locationOf.push_back(place.marked ? 0 : next[place.unit]++);
+        automata.locationOf.push_back(place.tokens > 0 ? 0 : next[place.unit]++);
     }
     for (std::size_t u = 0; u < none.size(); ++u) {
         if (none[u] == nowhere) none[u] = next[u];
+    }
+}
+
+/// Appends the moves of an arc of a bounded net.
+void addCounts(const PetriNet& net, NetAutomata& automata, const PetriNet::Arc& arc) {
+    const PetriNet::Place& place = net.places[arc.place];
+    for (uint n = arc.takes; n <= net.bound && n - arc.takes + arc.puts <= net.bound; ++n) {
+        automata.moves.push_back({place.unit, swapped(place, n),
+                                  swapped(place, n - arc.takes + arc.puts), arc.transition});
     }
 }
 
@@ -45,6 +59,10 @@ void layOutLocations(const PetriNet& net, NetAutomata& automata) {
 std::string addMoves(const PetriNet& net, NetAutomata& automata,
                      std::span<const PetriNet::Arc> arcs) {
     if (arcs.empty()) return "it has no place";
+    if (net.bound > 0) {
+        for (const PetriNet::Arc& arc : arcs) addCounts(net, automata, arc);
+        return {};
+    }
     const std::size_t before = automata.moves.size();
     for (std::size_t i = 0; i < arcs.size();) {
         const uint unit = net.places[arcs[i].place].unit;
@@ -52,10 +70,10 @@ std::string addMoves(const PetriNet& net, NetAutomata& automata,
         const char* twice = nullptr;
         for (; i < arcs.size() && net.places[arcs[i].place].unit == unit; ++i) {
             const uint location = automata.locationOf[arcs[i].place];
-            if (arcs[i].takes && std::exchange(move.source, location) != nowhere) {
+            if (arcs[i].takes > 0 && std::exchange(move.source, location) != nowhere) {
                 twice = "it takes from two places of unit ";
             }
-            if (arcs[i].puts && std::exchange(move.target, location) != nowhere) {
+            if (arcs[i].puts > 0 && std::exchange(move.target, location) != nowhere) {
                 twice = "it puts on two places of unit ";
             }
         }
@@ -74,7 +92,7 @@ std::string addMoves(const PetriNet& net, NetAutomata& automata,
 
 NetAutomata automataOf(const PetriNet& net) {
     NetAutomata automata;
-    layOutLocations(net, automata);
+    if (net.bound == 0) layOutLocations(net, automata);
 
     std::vector<PetriNet::Arc> arcs = net.arcs;
     std::sort(arcs.begin(), arcs.end(), [&](const PetriNet::Arc& x, const PetriNet::Arc& y) {
@@ -94,33 +112,89 @@ NetAutomata automataOf(const PetriNet& net) {
     return automata;
 }
 
-void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream& out) {
-    NetworkWriter writer(out, net.name);
-    const std::vector<uint> places = placesByUnit(net);
-    std::vector<bool> named(net.transitions.size());
-    auto place = places.begin();
-    auto move = automata.moves.begin();
-    for (uint u = 0; u < net.units.size(); ++u) {
-        writer.automaton(net.units[u]);
-        const auto isHere = [&](uint p) { return net.places[p].unit == u; };
-        const auto end = std::find_if_not(place, places.end(), isHere);
-        const uint none = automata.noneOf[u];
-        if (none == 0) writer.location(none, "none");
-        for (auto p = place; p != end; ++p) {
-            writer.location(automata.locationOf[*p], net.places[*p].name);
+namespace {
+
+/// Writes a net automaton by automaton.
+class Writer {
+public:
+    Writer(const PetriNet& net, const NetAutomata& automata, std::ostream& out)
+        : net(net), automata(automata), writer(out, net.name), places(placesByUnit(net)),
+          named(net.transitions.size()) {
+        for (const PetriNet::Place& place : net.places) {
+            firstCount = std::max(firstCount, place.prop + 1);
         }
-        if (none != 0) writer.location(none, "none");
-        for (; move != automata.moves.end() && move->unit == u; ++move) {
-            const std::string& name = net.transitions[move->action].name;
-            const bool repeats = named[move->action] && name.size() > longestRepeated;
-            named[move->action] = true;
-            writer.transition(move->source, move->target, move->action, repeats ? "" : name);
-        }
-        writer.valuation();
-        for (; place != end; ++place) {
-            writer.value(automata.locationOf[*place], *place + 1, net.places[*place].name);
-        }
-        writer.endAutomaton();
     }
-    writer.end();
+
+    void write() {
+        auto move = automata.moves.begin();
+        auto first = places.cbegin();
+        for (uint u = 0; u < net.units.size(); ++u) {
+            const auto last = std::find_if_not(first, places.cend(),
+                                               [&](uint p) { return net.places[p].unit == u; });
+            const std::span<const uint> own(first, last);
+            first = last;
+            writer.automaton(net.units[u]);
+            if (net.bound == 0) {
+                writeLocations(u, own);
+            } else {
+                writeCounts(own.front());
+            }
+            for (; move != automata.moves.end() && move->unit == u; ++move) writeMove(*move);
+            writer.valuation();
+            if (net.bound == 0) {
+                writeProps(own);
+            } else {
+                writeCountProps(own.front());
+            }
+            writer.endAutomaton();
+        }
+        writer.end();
+    }
+
+private:
+    void writeLocations(uint unit, std::span<const uint> own) {
+        const uint none = automata.noneOf[unit];
+        if (none == 0) writer.location(none, "none");
+        for (const uint p : own) writer.location(automata.locationOf[p], net.places[p].name);
+        if (none != 0) writer.location(none, "none");
+    }
+    void writeCounts(uint p) {
+        for (uint l = 0; l <= net.bound; ++l) {
+            writer.location(l, std::to_string(swapped(net.places[p], l)));
+        }
+    }
+    void writeMove(const NetAutomata::Move& move) {
+        const std::string& name = net.transitions[move.action].name;
+        const bool repeats = named[move.action] && name.size() > longestRepeated;
+        named[move.action] = true;
+        writer.transition(move.source, move.target, move.action, repeats ? "" : name);
+    }
+    void writeProps(std::span<const uint> own) {
+        for (const uint p : own) {
+            writer.value(automata.locationOf[p], net.places[p].prop, net.places[p].name);
+        }
+    }
+    void writeCountProps(uint p) {
+        const PetriNet::Place& place = net.places[p];
+        std::vector<uint> props;
+        for (uint n = 1; n <= net.bound; ++n) {
+            const uint l = swapped(place, n);
+            writer.value(l, place.prop, n == 1 ? place.name : "");
+            props.push_back(firstCount + p * net.bound + n - 1);
+            writer.value(l, props, place.name + ">=" + std::to_string(n));
+        }
+    }
+
+    const PetriNet& net;
+    const NetAutomata& automata;
+    NetworkWriter writer;
+    std::vector<uint> places; // by unit
+    std::vector<bool> named;  // of each transition: its name has been written
+    uint firstCount = 0;      // the proposition ">=1" of the first place
+};
+
+} // namespace
+
+void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream& out) {
+    Writer(net, automata, out).write();
 }

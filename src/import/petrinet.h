@@ -1,21 +1,29 @@
-// A safe place/transition net, and the network of automata that it becomes.
+// A place/transition net, and the network of automata that it becomes.
 //
 // Places and transitions are numbered from 0 in the order of their file. Each place belongs to one
 // unit: a set of places of which at most one is marked in any reachable marking. A net that tells
 // no units has each place in a unit of its own. Units are numbered from 0 and have a place at
-// least.
+// least. Place i is proposition i + 1; where all places are called "p" and a number, all different,
+// it is the proposition of that number.
 //
-// A unit becomes an automaton with a location for each of its places and one, "none", for the case
-// that none is marked. Location 0 is what holds in the initial marking. Behind it stand the other
-// places in the order of the file, and then none, unless it is location 0. Transition t is action t
-// in each unit that it touches, with one move there:
+// A net without a bound is meant to be safe. A unit becomes an automaton with a location for each
+// of its places and one, "none", for the case that none is marked. Location 0 is what holds in the
+// initial marking. Behind it stand the other places in the order of the file, and then none, unless
+// it is location 0. Transition t is action t in each unit that it touches, with one move there:
 //
 //     takes from p, puts on q     p to q; a place that it takes from and puts on stays
 //     takes from p alone          p to none
 //     puts on q alone             none to q
 //
-// So a transition that would put a second token into a unit is not possible. Place i is proposition
-// i + 1, carried by its location.
+// So a transition that would put a second token into a unit is not possible. The proposition of a
+// place is carried by its location.
+//
+// In a net of bound N a place has up to N tokens, and each place is a unit of its own. It becomes
+// an automaton with a location for each number of tokens. Location n is that of n tokens, but for
+// the initial number, which changes places with 0. A transition that takes w and puts v is a move
+// from n to n - w + v for each n for which both are in 0 to N, so one that would put more is not
+// possible. Locations of a token and more carry the place's proposition, and those of j tokens and
+// more "PLACE>=j", for j from 1 to N. These are numbered behind all places, place by place.
 
 #pragma once
 
@@ -29,21 +37,24 @@ struct PetriNet {
     struct Place {
         std::string name;
         uint unit;
-        bool marked; // initially; at most one place of a unit is
+        uint tokens; // initially; without a bound 1 at most, and in one place of a unit at most
+        uint prop;   // no two places have the same; with those of its bound at most 2147483647
     };
     struct Transition {
         std::string name;
         unsigned long line; // of the file
     };
-    /// What a transition does with a place. It takes from it, or puts on it, or both.
+    /// What a transition does with a place: it takes and puts that many tokens, not both 0. Neither
+    /// is above the bound; without one both are 1 at most.
     struct Arc {
         uint transition;
         uint place;
-        bool takes;
-        bool puts;
+        uint takes;
+        uint puts;
     };
 
     std::string name;
+    uint bound; // 0: none
     std::vector<Place> places;
     std::vector<Transition> transitions;
     std::vector<Arc> arcs; // ascending by transition, then by place; no two of the same pair
@@ -65,14 +76,15 @@ struct NetAutomata {
         std::string reason;
     };
 
-    std::vector<uint> locationOf; // of a place, in the automaton of its unit
-    std::vector<uint> noneOf;     // of a unit: its location without a marked place
+    std::vector<uint> locationOf; // of a marked place, without a bound
+    std::vector<uint> noneOf;     // of a unit without a marked place, without a bound
     std::vector<Move> moves;      // ascending by unit, then by action
     std::vector<LeftOut> leftOut; // ascending
 };
 
 /// Lays out the automata. Leaves out a transition that has no place, and one that can never fire
 /// since no two places of a unit are marked together: it takes from two of them, or puts on two.
+/// There are at most as many moves as arcs, times the bound.
 [[nodiscard]] NetAutomata automataOf(const PetriNet& net);
 
 /// Writes the network; the automata are those of the net. A name of an action that is longer than

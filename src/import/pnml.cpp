@@ -168,8 +168,8 @@ private:
     void declare(NetNodeKind kind, std::size_t number, const char** attributes);
     void endText();
     void endUnitPlaces();
-    /// Refuses a text that is neither of the two; gives whether it is 1.
-    bool isOne(const std::string& what, unsigned int least);
+    /// The number that the text is; refuses one below the least or above the bound.
+    uint tokens(const std::string& what, uint least);
     void checkArcKind(std::string_view kind);
     void checkArcTool(std::string_view word);
     /// The value of an attribute that has to be there; refuses what lacks it.
@@ -253,7 +253,7 @@ void Reader::begin(const char* name, const char** attributes) {
     case Element::net: beginNet(attributes); break;
     case Element::place:
         declare(NetNodeKind::place, net->places.size(), attributes);
-        net->places.push_back({"", 0, false});
+        net->places.push_back({"", 0, 0, 0});
         marked = false;
         break;
     case Element::transition:
@@ -285,7 +285,7 @@ void Reader::begin(const char* name, const char** attributes) {
         if (!isOneOf(attribute(attributes, "tool"), {"nupn"})) element = Element::skipped;
         break;
     case Element::structure:
-        if (!isOneOf(attribute(attributes, "safe"), {"true", "1"})) {
+        if (net->bound > 0 || !isOneOf(attribute(attributes, "safe"), {"true", "1"})) {
             element = Element::skipped;
         } else if (std::exchange(draft->hasUnits, true)) {
             refuse("the net has two structures of units");
@@ -350,7 +350,7 @@ void Reader::beginArc(const char** attributes) {
     if (source == nullptr || target == nullptr) return;
     if (const char* kind = attribute(attributes, "type")) checkArcKind(kind);
     const uint from = draft->nodeOf(source);
-    draft->arcs.push_back({from, draft->nodeOf(target), line()});
+    draft->arcs.push_back({from, draft->nodeOf(target), line(), 1});
 }
 
 void Reader::declare(NetNodeKind kind, std::size_t number, const char** attributes) {
@@ -371,8 +371,8 @@ void Reader::endText() {
     const Element holder = open[open.size() - 2];
     const Element owner = open[open.size() - 3];
     switch (holder) {
-    case Element::marking: net->places.back().marked = isOne("an initial marking", 0); break;
-    case Element::weight: isOne("an arc weight", 1); break;
+    case Element::marking: net->places.back().tokens = tokens("an initial marking", 0); break;
+    case Element::weight: draft->arcs.back().weight = tokens("an arc weight", 1); break;
     default: {
         std::string& name = owner == Element::place        ? net->places.back().name
                             : owner == Element::transition ? net->transitions.back().name
@@ -390,18 +390,25 @@ void Reader::endUnitPlaces() {
     }
 }
 
-bool Reader::isOne(const std::string& what, unsigned int least) {
+uint Reader::tokens(const std::string& what, uint least) {
     valued = true;
     const std::string_view digits = trimmed(text);
-    unsigned int n = 0;
+    const uint most = std::max(net->bound, 1U);
+    uint n = 0;
     const Found found = wholeNumber(digits, n);
     if (found == Found::nothing) {
         refuse(what + " is no number: " + shown(digits));
-    } else if (found == Found::tooLarge || n > 1 || n < least) {
-        refuse(what + " of " + shown(digits) + ": in a safe net it is " +
-               (least == 0 ? "0 or 1" : "1"));
+    } else if (found == Found::tooLarge || n > most || n < least) {
+        const std::string from = least == most       ? ""
+                                 : least + 1 == most ? std::to_string(least) + " or "
+                                                     : std::to_string(least) + " to ";
+        const std::string numbers = from + std::to_string(most);
+        refuse(what + " of " + shown(digits) +
+               (net->bound == 0
+                    ? ": in a safe net it is " + numbers + "; for others there is --bound"
+                    : ": with this bound it is " + numbers));
     }
-    return n == 1;
+    return n;
 }
 
 void Reader::checkArcKind(std::string_view kind) {
@@ -424,8 +431,9 @@ const char* Reader::needed(const char** attributes, const std::string& name,
 
 } // namespace
 
-PetriNet readPnml(const std::string& file) {
+PetriNet readPnml(const std::string& file, uint bound) {
     NetDraft draft;
+    draft.net.bound = bound;
     Reader(file, draft).read();
     PetriNet net = netOf(std::move(draft), file);
     if (net.name.empty()) net.name = std::filesystem::path(file).stem().string();

@@ -17,13 +17,16 @@
 
 #include <string>
 
-/// Reads the file. Ends the process with status 1 and one line on standard error, with the line of
-/// the file, where it is not well-formed, declares entities or the like, nests elements deeper than
+/// Reads a net with that bound on the tokens of a place; 0 for a safe one. With a bound, no units
+/// are read. Ends the process with status 1 and one line on standard error, with the line of the
+/// file, where it is not well-formed, declares entities or the like, nests elements deeper than
 /// 1000, or is no net that is read:
 ///  - none or several nets, a coloured net, an arc that inhibits or resets;
-///  - a weight that is not 1, an initial marking that is neither 0 nor 1;
+///  - a weight or an initial marking that is above the bound, or above 1 where that is 0; a weight
+///  of
+///    0; arcs between the same nodes that weigh more than that together;
 ///  - an id that is missing or given twice, an arc that leads to no node or not between a place and
 ///    a transition, a reference to nothing, to another kind or to itself;
 ///  - units of which one names no place, two share a place, none has some place, or one has two
 ///    places marked.
-[[nodiscard]] PetriNet readPnml(const std::string& file);
+[[nodiscard]] PetriNet readPnml(const std::string& file, uint bound);

@@ -1,28 +1,11 @@
-#include "report.h"
+#include "jsonreport.h"
 
 #include "readable.h"
+#include "report.h"
 
 #include <string_view>
 
 namespace {
-
-/// A JSON string.
-std::string quoted(const std::string& text) {
-    constexpr std::string_view digits = "0123456789abcdef";
-    std::string literal = "\"";
-    for (const char c : utf8(text)) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte < 0x20U) {
-            literal += "\\u00";
-            literal += digits[byte / 16U];
-            literal += digits[byte % 16U];
-        } else {
-            if (c == '"' || c == '\\') literal += '\\';
-            literal += c;
-        }
-    }
-    return literal + '"';
-}
 
 /// The comma ahead of all elements but the first one.
 class Separator {
@@ -34,26 +17,6 @@ private:
     std::string_view between;
     bool first = true;
 };
-
-void showAutomata(std::ostream& out, const NetTimedModel& model, const Names& names) {
-    out << "\"automata\":[";
-    Separator lines(",");
-    auto vertex = model.verts.begin();
-    for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
-        out << lines.next() << "\n{\"name\":" << quoted(names.automaton(a)) << ",\"locations\":[";
-        Separator commas(",");
-        for (; vertex != model.verts.end() && vertex->first.first == a; ++vertex) {
-            out << commas.next() << quoted(names.location(a, vertex->first.second));
-        }
-        out << "]}";
-    }
-    out << "],\n\"actionNames\":{";
-    Separator commas(",");
-    for (const auto& [number, name] : names.actions) {
-        out << commas.next() << '"' << number << "\":" << quoted(name);
-    }
-    out << "},\n";
-}
 
 void showPosition(std::ostream& out, const Walk& walk) {
     out << "{\"position\":" << walk.position();
@@ -71,16 +34,60 @@ void showPosition(std::ostream& out, const Walk& walk) {
 
 } // namespace
 
-void showJson(std::ostream& out, const Report& report) {
-    Walk walk = report.start;
-    out << "{\"network\":" << quoted(report.network) << ",\n\"formula\":" << quoted(report.formula)
-        << ",\n\"k\":" << walk.length() << ",\n";
-    showAutomata(out, walk.model(), report.names);
+std::string jsonString(const std::string& text) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::string literal = "\"";
+    for (const char c : utf8(text)) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20U) {
+            literal += "\\u00";
+            literal += digits[byte / 16U];
+            literal += digits[byte % 16U];
+        } else {
+            if (c == '"' || c == '\\') literal += '\\';
+            literal += c;
+        }
+    }
+    return literal + '"';
+}
+
+void showJsonNetwork(std::ostream& out, const NetTimedModel& model, const Names& names) {
+    out << "\"automata\":[";
+    Separator lines(",");
+    auto vertex = model.verts.begin();
+    for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
+        out << lines.next() << "\n{\"name\":" << jsonString(names.automaton(a))
+            << ",\"locations\":[";
+        Separator commas(",");
+        for (; vertex != model.verts.end() && vertex->first.first == a; ++vertex) {
+            out << commas.next() << jsonString(names.location(a, vertex->first.second));
+        }
+        out << "]}";
+    }
+    out << "],\n\"actionNames\":{";
+    Separator commas(",");
+    for (const auto& [number, name] : names.actions) {
+        out << commas.next() << '"' << number << "\":" << jsonString(name);
+    }
+    out << '}';
+}
+
+void showJsonPositions(std::ostream& out, Walk walk) {
     out << "\"positions\":[\n";
     showPosition(out, walk);
     while (out && walk.step()) {
         out << ",\n";
         showPosition(out, walk);
     }
-    out << "]}\n";
+    out << ']';
+}
+
+void showJson(std::ostream& out, const Report& report) {
+    out << "{\"network\":" << jsonString(report.network)
+        << ",\n\"formula\":" << jsonString(report.formula) << ",\n\"k\":" << report.start.length()
+        << ",\n";
+    showJsonNetwork(out, report.start.model(), report.names);
+    out << ",\n";
+    showJsonPositions(out, report.start);
+    out << "}\n";
 }

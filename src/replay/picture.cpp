@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <numeric>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -86,7 +87,7 @@ std::string quoted(const std::vector<std::string>& lines) {
     return literal + '"';
 }
 
-// Of these, one is on each machine, and the first ones are equally wide.
+// Each machine has one of these fonts. Letters are equally wide in the first two.
 constexpr std::string_view font = R"(fontname="Helvetica,Arial,sans-serif")";
 
 /// Writes the graph, automaton by automaton. The trace is empty where there is no path.
@@ -95,15 +96,21 @@ public:
     Picture(std::ostream& out, const NetTimedModel& model, const Names& names, const Trace& trace)
         : out(out), model(model), names(names), trace(trace) {}
 
-    void show(const std::string& title) {
+    void show(const std::string& title, const std::vector<uint>& automata) {
+        std::vector<std::string> label = {title};
+        const auto leftOut = static_cast<std::size_t>(model.nrOfAutomata) - automata.size();
+        if (leftOut > 0) {
+            label.push_back("left out: " + std::to_string(leftOut) + " of " +
+                            std::to_string(model.nrOfAutomata) + " automata");
+        }
         // From left to right, labels stay within the cluster of their arrow.
         out << "digraph " << quoted({title}) << " {\n"
-            << "  graph [label=" << quoted({title}) << ", labelloc=t, rankdir=LR, nodesep=0.4, "
+            << "  graph [label=" << quoted(label) << ", labelloc=t, rankdir=LR, nodesep=0.4, "
             << font << "]\n"
             << "  node [shape=box, style=rounded, fontsize=12, " << font << "]\n"
             << "  edge [fontsize=10, " << font << "]\n";
         // Graphviz stacks the clusters upward.
-        for (auto a = static_cast<uint>(model.nrOfAutomata); a > 0; --a) showAutomaton(a);
+        for (auto a = automata.rbegin(); a != automata.rend(); ++a) showAutomaton(*a);
         out << "}\n";
     }
 
@@ -164,13 +171,33 @@ private:
 
 } // namespace
 
+namespace {
+
+std::vector<uint> allAutomata(const NetTimedModel& model) {
+    std::vector<uint> all(static_cast<std::size_t>(model.nrOfAutomata));
+    std::iota(all.begin(), all.end(), 1U);
+    return all;
+}
+
+/// Those that take part in a step or that the condition speaks of.
+std::vector<uint> touchedAutomata(const Walk& walk, const Trace& trace) {
+    std::set<uint> touched = walk.named();
+    for (const auto& [taken, steps] : trace.taken) touched.insert(taken.first);
+    return {touched.begin(), touched.end()};
+}
+
+} // namespace
+
 void drawNetwork(std::ostream& out, const NetTimedModel& model, const Names& names,
                  const std::string& title) {
-    Picture(out, model, names, {}).show(title);
+    Picture(out, model, names, {}).show(title, allAutomata(model));
 }
 
 void showDot(std::ostream& out, const Report& report) {
     const int length = report.start.length();
     const std::string title = report.network + ", path of " + steps(length);
-    Picture(out, report.start.model(), report.names, traceOf(report.start)).show(title);
+    const NetTimedModel& model = report.start.model();
+    const Trace trace = traceOf(report.start);
+    Picture(out, model, report.names, trace)
+        .show(title, report.all ? allAutomata(model) : touchedAutomata(report.start, trace));
 }

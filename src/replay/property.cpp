@@ -1,53 +1,103 @@
 #include "property.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <map>
 
-Property::Property(const NetTimedModel& model, Condition asked) : condition(std::move(asked)) {
+Property::Property(const NetTimedModel& model, Condition question)
+    : condition(std::move(question)) {
     using Term = Condition::Term;
     std::map<uint, uint> props;
     std::map<NetTimedModel::Location, uint> locations;
+    std::map<uint, uint> actions;
+    const auto indexIn = [&](auto& known, const auto& key) {
+        const auto next = static_cast<uint>(atoms.size());
+        const auto [entry, isNew] = known.try_emplace(key, next);
+        if (isNew) atoms.emplace_back();
+        return entry->second;
+    };
     for (Condition::Token& token : condition.tokens) {
-        const auto next = static_cast<uint>(props.size() + locations.size());
         if (token.term == Term::prop) {
-            token.number = props.try_emplace(token.number, next).first->second;
+            token.number = indexIn(props, token.number);
         } else if (token.term == Term::at) {
-            const NetTimedModel::Location location(token.number, token.location);
-            token.number = locations.try_emplace(location, next).first->second;
+            token.number =
+                indexIn(locations, NetTimedModel::Location(token.number, token.location));
+        } else if (token.term == Term::enabled) {
+            token.number = indexIn(actions, token.number);
+        } else if (token.term == Term::deadlock) {
+            if (!possible) {
+                possible = static_cast<uint>(atoms.size());
+                atoms.emplace_back();
+            }
+            token.number = *possible;
         }
     }
-    carriers.resize(props.size() + locations.size());
-    for (const auto& [location, number] : model.valuation) {
-        const auto named = props.find(number);
-        if (named != props.end()) carried.emplace_back(location, named->second);
+    asked = atoms.size();
+    if (possible) {
+        for (const auto& [action, automata] : model.actionAutomata) indexIn(actions, action);
     }
-    carried.insert(carried.end(), locations.begin(), locations.end());
-    std::sort(carried.begin(), carried.end());
-    for (const auto& [location, atom] : carried) {
-        if (location.second == 0) ++carriers[atom];
+
+    if (!props.empty()) {
+        for (const auto& [location, number] : model.valuation) {
+            const auto named = props.find(number);
+            if (named != props.end()) counted.emplace_back(location, named->second);
+        }
+    }
+    counted.insert(counted.end(), locations.begin(), locations.end());
+    for (const auto& [action, atom] : actions) {
+        const auto automata = model.actionAutomata.find(action);
+        if (automata == model.actionAutomata.end()) continue;
+        atoms[atom].action = true;
+        atoms[atom].need = static_cast<uint>(automata->second.size());
+        for (const uint a : automata->second) {
+            for (const auto& [source, target] : model.actionEdges.at({a, action})) {
+                const std::pair entry(NetTimedModel::Location(a, source), atom);
+                if (counted.empty() || counted.back() != entry) counted.push_back(entry);
+            }
+        }
+    }
+    std::sort(counted.begin(), counted.end());
+    for (const auto& [location, atom] : counted) {
+        if (location.second == 0) changeCount(atom, true);
     }
 }
 
+void Property::changeCount(uint atom, bool up) {
+    const bool before = atoms[atom].holds();
+    atoms[atom].count += up ? 1U : -1U;
+    const bool after = atoms[atom].holds();
+    if (after == before) return;
+    stale = stale || atom < asked;
+    if (atoms[atom].action && possible) changeCount(*possible, after);
+}
+
 void Property::change(const Change& change) {
-    const auto forEach = [&](uint location, auto&& use) {
+    const auto forEach = [&](uint location, bool up) {
         const NetTimedModel::Location key(change.automaton, location);
-        auto at = std::lower_bound(carried.begin(), carried.end(), std::pair(key, 0U));
-        for (; at != carried.end() && at->first == key; ++at) use(carriers[at->second]);
+        auto at = std::lower_bound(counted.begin(), counted.end(), std::pair(key, 0U));
+        for (; at != counted.end() && at->first == key; ++at) changeCount(at->second, up);
     };
-    forEach(change.source, [&](uint& count) { stale = --count == 0 || stale; });
-    forEach(change.target, [&](uint& count) { stale = count++ == 0 || stale; });
+    forEach(change.source, false);
+    forEach(change.target, true);
+}
+
+std::set<uint> Property::automata() const {
+    std::set<uint> all;
+    for (const auto& [location, atom] : counted) {
+        if (atom < asked) all.insert(all.end(), location.first);
+    }
+    return all;
 }
 
 namespace {
 
-/// Truth values over counts of carriers.
+/// Truth values over atoms.
+template <class Atom>
 struct Truth {
-    const std::vector<uint>& carriers;
+    const std::vector<Atom>& atoms;
 
     static bool constant(bool value) { return value; }
     [[nodiscard]] bool atom(const Condition::Token& token) const {
-        return carriers[token.number] > 0;
+        return atoms[token.number].holds() != (token.term == Condition::Term::deadlock);
     }
     static bool negation(bool a) { return !a; }
     static bool conjunction(bool a, bool b) { return a && b; }
@@ -57,7 +107,7 @@ struct Truth {
 } // namespace
 
 bool Property::holds() {
-    if (stale) value = valueOf(condition, Truth{carriers});
+    if (stale) value = valueOf(condition, Truth{atoms});
     stale = false;
     return value;
 }

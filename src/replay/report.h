@@ -16,6 +16,7 @@ struct Report {
     const Names& names;
     std::string network; // what the command was called with, for the headings
     std::string formula;
+    bool all = false; // draw also what neither the path nor the formula touches
 };
 
 /// Writes a report of one format.
@@ -27,7 +28,8 @@ void showText(std::ostream& out, const Report& report);
 void showJson(std::ostream& out, const Report& report);
 /// A value change dump (IEEE 1364) with strings as GTKWave has them. Time is the position.
 void showVcd(std::ostream& out, const Report& report);
-/// The network as a picture with the path on it, in DOT.
+/// The network as a picture with the path on it, in DOT. Automata that take part in no step and
+/// that the condition does not speak of are left out, and counted, unless all are asked for.
 void showDot(std::ostream& out, const Report& report);
 
 /// The writer of the format of that name: text, json, vcd or dot. Null for another name.

@@ -8,6 +8,7 @@
 #include "property.h"
 #include "transitions.h"
 
+#include <set>
 #include <span>
 #include <vector>
 
@@ -31,6 +32,8 @@ public:
     [[nodiscard]] std::span<const uint> actions() const { return possible; }
     [[nodiscard]] const Transitions& transitions() const { return *steps; }
     [[nodiscard]] const NetTimedModel& model() const { return steps->model; }
+    /// The automata that the condition speaks of.
+    [[nodiscard]] std::set<uint> named() const { return property.automata(); }
     /// The number of steps.
     [[nodiscard]] int length() const { return path->k; }
 

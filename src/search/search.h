@@ -52,10 +52,12 @@ public:
     [[nodiscard]] int longest() const { return greatest; }
     [[nodiscard]] const Tables& networkTables() const { return tables; }
 
+    /// Whether nothing is left to find out about it.
+    [[nodiscard]] bool settled(const Finding& finding) const;
+
 private:
     struct Engine;
 
-    [[nodiscard]] bool settled(const Finding& finding) const;
     [[nodiscard]] bool hunted(const Finding& finding) const;
     void begin();
     bool hunt(int conflicts);

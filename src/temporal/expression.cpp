@@ -6,12 +6,10 @@
 #include "readable.h"
 #include "scanner.h"
 
-#include <charconv>
 #include <cstddef>
 #include <optional>
 #include <set>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -48,10 +46,6 @@ struct Word {
     bool quoted;
 };
 
-[[noreturn]] void refuse(std::size_t position, const std::string& what) {
-    error("column " + std::to_string(position + 1) + ": " + what);
-}
-
 bool isNumber(std::string_view text) {
     return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
@@ -59,8 +53,8 @@ bool isNumber(std::string_view text) {
 /// Cuts an expression into tokens and looks its names up.
 class Tokens {
 public:
-    Tokens(const std::string& text, const Vocabulary& vocabulary)
-        : text(text), vocabulary(vocabulary) {}
+    Tokens(const std::string& text, const Vocabulary& vocabulary, const std::string& where)
+        : text(text), vocabulary(vocabulary), where(where) {}
 
     Token next() {
         skipBlanks();
@@ -69,6 +63,10 @@ public:
         token.begin = begin;
         token.end = at;
         return token;
+    }
+
+    [[noreturn]] void refuse(std::size_t position, const std::string& what) const {
+        error(where + "column " + std::to_string(position + 1) + ": " + what);
     }
 
     std::string beyondFormula;
@@ -190,10 +188,9 @@ private:
         return number;
     }
 
-    [[nodiscard]] static unsigned int numberIn(const Word& digits, const Sort& sort) {
+    [[nodiscard]] unsigned int numberIn(const Word& digits, const Sort& sort) const {
         int number = 0;
-        const char* const end = digits.text.data() + digits.text.size();
-        if (std::from_chars(digits.text.data(), end, number).ec != std::errc()) {
+        if (wholeNumber(digits.text, number) != Found::number) {
             refuse(digits.begin, sort.one + " number above 2147483647");
         }
         return static_cast<unsigned int>(number);
@@ -249,6 +246,7 @@ private:
 
     const std::string& text;
     const Vocabulary& vocabulary;
+    const std::string& where;
     std::size_t at = 0;
     std::set<std::pair<std::string, std::string>> warned;
 };
@@ -281,13 +279,13 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
         if (operand && !begins) {
             const bool twice = token.kind == before.kind && before.end == token.begin &&
                                (token.kind == And || token.kind == Or);
-            refuse(token.begin,
-                   "an operand is missing " +
-                       (token.kind == End ? "at the end" : "ahead of " + textOf(token)) +
-                       (twice ? ", the operator is written once" : ""));
+            tokens.refuse(token.begin,
+                          "an operand is missing " +
+                              (token.kind == End ? "at the end" : "ahead of " + textOf(token)) +
+                              (twice ? ", the operator is written once" : ""));
         }
         if (!operand && begins)
-            refuse(token.begin, "an operator is missing ahead of " + textOf(token));
+            tokens.refuse(token.begin, "an operator is missing ahead of " + textOf(token));
         switch (token.kind) {
         case False:
         case True:
@@ -308,10 +306,10 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
         case End:
             close(Implies);
             if (token.kind == End) {
-                if (!open.empty()) refuse(open.back().begin, "\"(\" is not closed");
+                if (!open.empty()) tokens.refuse(open.back().begin, "\"(\" is not closed");
                 return steps;
             }
-            if (open.empty()) refuse(token.begin, "\")\" closes nothing");
+            if (open.empty()) tokens.refuse(token.begin, "\")\" closes nothing");
             open.pop_back();
             break;
         }
@@ -363,8 +361,9 @@ Condition conditionOf(const std::vector<Step>& steps) {
 
 } // namespace
 
-Expression expressionOf(const std::string& text, const Vocabulary& vocabulary) {
-    Tokens tokens(text, vocabulary);
+Expression expressionOf(const std::string& text, const Vocabulary& vocabulary,
+                        const std::string& where) {
+    Tokens tokens(text, vocabulary, where);
     std::vector<Step> steps = parsed(text, tokens);
     pushNegationsIn(steps);
     return {conditionOf(steps), std::move(tokens.beyondFormula), std::move(tokens.warnings)};

@@ -56,5 +56,7 @@ struct Expression {
 /// Parses an expression, in one pass there and back: time, memory and result are linear in its
 /// length, however deep it nests. An expression that is malformed, an unknown name, an action, an
 /// automaton or a location that is not there, and a name of two things end the process with status
-/// 1 and one line on standard error that tells the column, counted in bytes from 1.
-[[nodiscard]] Expression expressionOf(const std::string& text, const Vocabulary& vocabulary);
+/// 1 and one line on standard error that tells the column, counted in bytes from 1. `where` stands
+/// ahead of that, for expressions that stand in a file.
+[[nodiscard]] Expression expressionOf(const std::string& text, const Vocabulary& vocabulary,
+                                      const std::string& where = {});

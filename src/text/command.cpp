@@ -74,10 +74,13 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
     }
     operands.insert(operands.end(), argv + optind, argv + argc);
     const auto count = static_cast<int>(operands.size());
-    if (count < command.least) misused("missing operand");
-    if (command.most >= 0 && count > command.most) {
-        misused("extra operand '" + operands[static_cast<std::size_t>(command.most)] + "'");
-    }
+    if (count < command.least) expect(static_cast<std::size_t>(command.least));
+    if (command.most >= 0 && count > command.most) expect(static_cast<std::size_t>(command.most));
+}
+
+void CommandLine::expect(std::size_t number) const {
+    if (operands.size() < number) misused("missing operand");
+    if (operands.size() > number) misused("extra operand '" + operands[number] + "'");
 }
 
 std::string CommandLine::value(const std::string& option, const std::string& otherwise) const {

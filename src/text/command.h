@@ -4,6 +4,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -44,6 +45,8 @@ public:
     /// `what` as the text's name.
     [[nodiscard]] long numberIn(const std::string& text, const std::string& what, long least,
                                 long most) const;
+    /// Ends the process like a bad call unless there are that many operands.
+    void expect(std::size_t number) const;
     /// Ends the process with status 1, the message and a hint at --help on standard error.
     [[noreturn]] void misused(const std::string& message) const;
 

@@ -35,7 +35,8 @@ BoolForm decoded(int first, int width, uint number) {
 
 } // namespace
 
-TransitionFunction::TransitionFunction(const NetTimedModel& model) : model(model), choices(model) {
+TransitionFunction::TransitionFunction(const NetTimedModel& model)
+    : model(model), choices(model), tables(model) {
     assert(static_cast<std::size_t>(model.totalNrVertBits) + choices.bits <= BoolForm::maxVariable);
 }
 
@@ -46,6 +47,8 @@ int TransitionFunction::variableOfChoice(std::size_t bit) const {
 }
 
 BoolForm TransitionFunction::at(uint automaton, uint location) const {
+    const Tables::Place place = tables.place(automaton, location);
+    if (!place.location) return BoolForm(place.always);
     const auto first = static_cast<std::size_t>(model.bitShift[automaton]);
     return decoded(variableOfState(first), model.nrOfBits[automaton], location);
 }

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 #include <random>
 #include <set>
@@ -13,45 +14,80 @@
 
 namespace {
 
-using Places = std::set<uint>;
-using State = std::vector<uint>; // the location of each automaton, from index 1
+using Marking = std::vector<uint>; // the tokens of each place
+using State = std::vector<uint>;   // the location of each automaton, from index 1
 
 /// A net, and the token game on it.
 struct Net {
-    explicit Net(std::mt19937& random) : hasUnits(random() % 2 == 0) {
-        const auto places = static_cast<uint>(1 + random() % 9);
+    explicit Net(std::mt19937& random)
+        : bound(random() % 2 == 0 ? 0 : static_cast<uint>(1 + random() % 3)),
+          hasUnits(random() % 2 == 0), firstName(random() % 2 == 0 ? 10 : -1) {
+        const auto places = static_cast<uint>(1 + random() % (bound == 0 ? 9 : 5));
         const auto below = [&](uint n) { return static_cast<uint>(random() % n); };
-        Places full; // units
+        std::set<uint> full; // units
         for (uint p = 0; p < places; ++p) {
             unit.push_back(hasUnits ? below(std::min(places, 4U)) : p);
-            if (random() % 4 != 0 && full.insert(unit[p]).second) initial.insert(p);
+            const bool may = random() % 4 != 0 && full.insert(unit[p]).second;
+            initial.push_back(bound > 0 ? below(bound + 1) : may ? 1 : 0);
         }
         for (auto& [takes, puts] : transitions) {
-            for (auto n = random() % 4; n > 1; --n) takes.insert(below(places));
-            for (auto n = random() % 4; n > 1; --n) puts.insert(below(places));
+            for (Marking* const of : {&takes, &puts}) {
+                of->resize(places);
+                for (auto n = random() % 4; n > 1; --n)
+                    (*of)[below(places)] = 1 + (bound == 0 ? 0 : below(bound));
+            }
         }
     }
 
     /// The marking that the transition leads to; none where it is not possible.
-    [[nodiscard]] std::optional<Places> fired(Places marking, std::size_t t) const {
+    [[nodiscard]] std::optional<Marking> fired(Marking marking, std::size_t t) const {
         const auto& [takes, puts] = transitions[t];
-        if (takes.empty() && puts.empty()) return std::nullopt;
-        for (const uint p : takes) {
-            if (marking.erase(p) == 0) return std::nullopt;
+        if (takes == Marking(unit.size()) && puts == takes) return std::nullopt;
+        for (uint p = 0; p < unit.size(); ++p) {
+            if (marking[p] < takes[p]) return std::nullopt;
+            marking[p] += puts[p] - takes[p];
         }
-        Places full; // units
-        for (const uint p : marking) full.insert(unit[p]);
-        for (const uint p : puts) {
-            if (!full.insert(unit[p]).second) return std::nullopt;
-            marking.insert(p);
+        Marking tokens(unit.size()); // of units; with a bound they do not count
+        for (uint p = 0; p < unit.size(); ++p) {
+            uint& number = tokens[bound > 0 ? p : unit[p]];
+            number += marking[p];
+            if (number > std::max(bound, 1U)) return std::nullopt;
         }
         return marking;
+    }
+    [[nodiscard]] std::string nameOf(uint p) const {
+        return (firstName < 0 ? "x" : "p") + std::to_string(firstName < 0 ? p : firstName - p);
+    }
+    /// The propositions of a marking by their names, and the numbers of those of the places.
+    [[nodiscard]] std::set<std::string> propsOf(const Marking& marking) const {
+        std::set<std::string> props;
+        for (uint p = 0; p < unit.size(); ++p) {
+            const uint number = firstName < 0 ? p + 1 : static_cast<uint>(firstName) - p;
+            if (marking[p] > 0) props.insert(nameOf(p) + ' ' + std::to_string(number));
+            for (uint n = 1; n <= marking[p] && bound > 0; ++n)
+                props.insert(nameOf(p) + ">=" + std::to_string(n));
+        }
+        return props;
     }
 
     /// Nodes keep their order. Arcs, references and units stand anywhere among them.
     [[nodiscard]] std::string pnml(std::mt19937& random) const {
-        const auto arc = [](const std::string& source, const std::string& target) {
-            return "<arc source='" + source + "' target='" + target + "'/>";
+        const auto arc = [&](const std::string& source, const std::string& target, uint weight) {
+            const uint part = bound > 0 ? static_cast<uint>(random() % weight) : 0; // in two arcs
+            std::string text;
+            for (const uint w : {part, weight - part}) {
+                const std::string inscription =
+                    "<inscription><text>" + std::to_string(w) + "</text></inscription>";
+                if (w > 0)
+                    text.append("<arc source='")
+                        .append(source)
+                        .append("' target='")
+                        .append(target)
+                        .append("'>")
+                        .append(w > 1 ? inscription : "")
+                        .append("</arc>");
+            }
+            return text;
         };
         const auto reference = [](const std::string& id) {
             return "<page><referencePlace id='r" + id + "' ref='p" + id + "'/></page>";
@@ -61,8 +97,9 @@ struct Net {
         std::ostringstream units;
         for (uint p = 0; p < unit.size(); ++p) {
             const std::string id = std::to_string(p);
-            nodes.push_back("<place id='p" + id + "'><initialMarking><text>" +
-                            std::to_string(initial.count(p)) + "</text></initialMarking></place>");
+            nodes.push_back("<place id='p" + id + "'><name><text>" + nameOf(p) +
+                            "</text></name><initialMarking><text>" + std::to_string(initial[p]) +
+                            "</text></initialMarking></place>");
             others.push_back(reference(id));
             units << "<unit id='u" << id << "'><places>";
             for (uint q = 0; q < unit.size(); ++q) {
@@ -77,10 +114,11 @@ struct Net {
         for (std::size_t t = 0; t < transitions.size(); ++t) {
             const std::string id = "t" + std::to_string(t);
             nodes.push_back("<transition id='" + id + "'/>");
-            for (const uint p : transitions[t].first)
-                others.push_back(arc("p" + std::to_string(p), id));
-            for (const uint p : transitions[t].second)
-                others.push_back(arc(id, "r" + std::to_string(p)));
+            for (uint p = 0; p < unit.size(); ++p) {
+                const auto& [takes, puts] = transitions[t];
+                if (takes[p] > 0) others.push_back(arc("p" + std::to_string(p), id, takes[p]));
+                if (puts[p] > 0) others.push_back(arc(id, "r" + std::to_string(p), puts[p]));
+            }
         }
         std::shuffle(others.begin(), others.end(), random);
         std::string text = "<pnml><net>";
@@ -92,10 +130,12 @@ struct Net {
         return text + "</net></pnml>";
     }
 
+    uint bound;
     bool hasUnits;
+    int firstName;          // places are called p and a number from it down; negative: x and theirs
     std::vector<uint> unit; // of each place
-    Places initial;
-    std::array<std::pair<Places, Places>, 8> transitions;
+    Marking initial;
+    std::array<std::pair<Marking, Marking>, 8> transitions;
 };
 
 std::optional<State> fired(const NetTimedModel& model, State state, uint action) {
@@ -110,12 +150,16 @@ std::optional<State> fired(const NetTimedModel& model, State state, uint action)
     return state;
 }
 
-Places marking(const NetTimedModel& model, const State& state) {
-    Places places;
+/// The propositions of a state like those of a marking.
+std::set<std::string> propsOf(const NetTimedModel& model, const Names& names, const State& state) {
+    std::set<std::string> props;
     for (const auto& [location, prop] : model.valuation) {
-        if (state[location.first] == location.second) places.insert(prop - 1);
+        if (state[location.first] != location.second) continue;
+        const std::string name = names.prop(prop);
+        const bool counts = name.find('=') != std::string::npos;
+        props.insert(name + (counts ? "" : ' ' + std::to_string(prop)));
     }
-    return places;
+    return props;
 }
 
 TEST(PetriNet, takesTheStepsOfTheTokenGame) {
@@ -126,7 +170,7 @@ TEST(PetriNet, takesTheStepsOfTheTokenGame) {
         const Scratch dir;
         dir.write("net.pnml", net.pnml(random));
         SCOPED_TRACE(dir.read("net.pnml"));
-        const PetriNet read = readPnml(dir.path / "net.pnml");
+        const PetriNet read = readPnml(dir.path / "net.pnml", net.bound);
         std::ostringstream text;
         writeNetwork(read, automataOf(read), text);
         dir.write("net.in", text.str());
@@ -135,18 +179,19 @@ TEST(PetriNet, takesTheStepsOfTheTokenGame) {
         readNamedNetwork(model, names, dir.path / "net");
 
         const State initial(static_cast<std::size_t>(model.nrOfAutomata) + 1);
-        ASSERT_EQ(marking(model, initial), net.initial);
-        std::set<State> seen{initial};
+        ASSERT_EQ(propsOf(model, names, initial), net.propsOf(net.initial));
+        std::map<State, Marking> seen{{initial, net.initial}};
         for (std::vector<State> open{initial}; !open.empty();) {
             const State state = open.back();
             open.pop_back();
             for (uint t = 0; t < net.transitions.size(); ++t) {
                 const auto next = fired(model, state, t);
-                const auto expected = net.fired(marking(model, state), t);
+                const auto expected = net.fired(seen[state], t);
                 ASSERT_EQ(next.has_value(), expected.has_value()) << t;
                 if (!next) continue;
-                ASSERT_EQ(marking(model, *next), *expected) << t;
-                if (seen.insert(*next).second) open.push_back(*next);
+                ASSERT_EQ(propsOf(model, names, *next), net.propsOf(*expected)) << t;
+                if (seen.emplace(*next, *expected).second) open.push_back(*next);
+                ASSERT_EQ(seen[*next], *expected) << t;
             }
         }
         states += seen.size();

@@ -3,6 +3,7 @@
 #include "path.h"
 #include "plain.h"
 #include "property.h"
+#include "question.h"
 
 #include <map>
 
@@ -112,6 +113,33 @@ TEST(Property, followsTheStateStepByStep) {
         }
     });
     EXPECT_NEAR(met, 30000, 25000);
+}
+
+TEST(Property, answersExpressionsInEveryState) {
+    std::size_t states = 0;
+    std::size_t met = 0;
+    forNetworks(4, [&](const NetTimedModel& model, Random& random, const std::string&) {
+        if (model.nrOfAutomata == 0) return;
+        const Question question = randomQuestion(model, random, 3);
+        const Expression e = expressionOf(question.text, vocabularyOf(model, namesOf(model)));
+        SCOPED_TRACE(question.text);
+        Property property(model, e.condition);
+        State state = initialState(model);
+        for (uint a = 0; a < state.size();) { // counts through all states
+            const bool expected = question.holds(state);
+            EXPECT_EQ(property.holds(), expected) << list(state);
+            EXPECT_EQ(holds(model, e.condition, state), expected) << list(state);
+            ++states;
+            met += expected ? 1 : 0;
+            for (a = 1; a < state.size(); ++a) {
+                const uint source = state[a];
+                state[a] = model.verts.contains({a, source + 1}) ? source + 1 : 0;
+                property.change({a, source, state[a]});
+                if (state[a] != 0) break;
+            }
+        }
+    });
+    EXPECT_NEAR(static_cast<double>(met) / static_cast<double>(states), 0.5, 0.3);
 }
 
 TEST(Path, isDecodedBitByBit) {

@@ -1,4 +1,4 @@
-// The tables of a network laid out flat for the search, without what no run can reach.
+// The tables of a network laid out flat, without what no run can reach.
 //
 // Only what counts is left, and numbered anew from 0:
 //

@@ -1,0 +1,127 @@
+#include "answers.h"
+
+#include "fatal.h"
+#include "jsonreport.h"
+#include "outputfile.h"
+#include "walk.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace {
+
+/// Names of files, each once.
+class FileNames {
+public:
+    std::string next(const std::string& question, std::size_t number) {
+        constexpr std::size_t longest = 200;
+        std::string name = question.substr(0, longest);
+        std::replace_if(
+            name.begin(), name.end(),
+            [](char c) { return c == '/' || static_cast<unsigned char>(c) < ' ' || c == '\x7f'; },
+            '_');
+        if (name.front() == '.') name.front() = '_';
+        while (!taken.insert(name).second) name += '_' + std::to_string(number);
+        return name;
+    }
+
+private:
+    std::set<std::string> taken;
+};
+
+std::string_view word(Verdict::Kind kind) {
+    switch (kind) {
+    case Verdict::Kind::path: return "path";
+    case Verdict::Kind::never: return "never";
+    case Verdict::Kind::none: return "none";
+    case Verdict::Kind::open: break;
+    }
+    return "open";
+}
+
+} // namespace
+
+Answers::Answers(const Asked& asked, const Search& search, const Names& names)
+    : asked(asked), search(search), names(names), transitions(search.networkTables().model) {}
+
+Verdict Answers::verdict(std::size_t question) const {
+    return verdictOf(search, search.findings()[question], asked.range);
+}
+
+std::string Answers::line(std::size_t question) const {
+    return asked.questions[question].name + ": " + verdict(question).brief();
+}
+
+int Answers::status() const {
+    bool open = false;
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        const Verdict::Kind kind = verdict(q).kind;
+        if (kind == Verdict::Kind::path) return 10;
+        open = open || kind == Verdict::Kind::open;
+    }
+    return open ? 0 : 20;
+}
+
+/// Calls use with a walk along the path, where the verdict is one.
+template <class Use>
+void Answers::withPath(std::size_t question, Use&& use) const {
+    if (verdict(question).kind != Verdict::Kind::path) return;
+    const Finding& finding = search.findings()[question];
+    const Path path = pathOf(search.networkTables(), finding.path);
+    const Walk walk(transitions, path, finding.condition);
+    replay(walk, names);
+    use(walk);
+}
+
+void Answers::showTable(std::ostream& out) const {
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) out << line(q) << '\n';
+}
+
+void Answers::showJson(std::ostream& out) const {
+    out << "{\"network\":" << jsonString(asked.network) << ",\n";
+    showJsonNetwork(out, transitions.model, names);
+    out << ",\n\"questions\":[";
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        const Question& question = asked.questions[q];
+        const Verdict answer = verdict(q);
+        out << (q == 0 ? "" : ",") << "\n{\"name\":" << jsonString(question.name)
+            << ",\"expression\":" << jsonString(question.text) << ",\"answer\":\""
+            << word(answer.kind) << "\",\"verdict\":" << jsonString(answer.brief());
+        withPath(q, [&](const Walk& walk) {
+            out << ",\"k\":" << walk.length() << ',';
+            showJsonPositions(out, walk);
+        });
+        out << '}';
+    }
+    out << "]}\n";
+}
+
+void Answers::showPath(std::ostream& out, std::size_t question, Show show) const {
+    withPath(question, [&](const Walk& walk) {
+        show(out, {walk, names, asked.network, asked.questions[question].text, asked.all});
+    });
+}
+
+void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
+    std::error_code problem;
+    std::filesystem::create_directories(directory, problem);
+    if (problem) error("cannot make " + directory + ": " + problem.message());
+    FileNames fileNames;
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        const std::string file =
+            directory + '/' + fileNames.next(asked.questions[q].name, q + 1) + '.' + suffix;
+        removeOutput(file); // of an earlier call
+        withPath(q, [&](const Walk& walk) {
+            std::ostringstream text;
+            show(text, {walk, names, asked.network, asked.questions[q].text, asked.all});
+            OutputFile out(file);
+            out.write(text.view());
+            if (!out.close()) error("cannot write " + file);
+        });
+    }
+}

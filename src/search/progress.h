@@ -1,0 +1,38 @@
+// What a search tells as it goes: lines on standard error about lengths and paths, and the verdicts
+// of a table, as they are known, on standard output. On a terminal the lines about what is refuted
+// are one line that changes.
+
+#pragma once
+
+#include "answers.h"
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+class Progress {
+public:
+    /// The time begins. With a table, verdicts are told.
+    Progress(const Answers::Asked& asked, bool table);
+
+    /// Told by the search, which the answers are about.
+    void refuted(const Search& search, const Answers& answers);
+    void found(const Search& search, const Answers& answers, const Finding& finding);
+    /// Closes the line that changes.
+    void end();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void say(const std::string& text);
+    void tell(const std::string& line);
+
+    const Answers::Asked& asked;
+    bool table;
+    Clock::time_point begin = Clock::now();
+    bool moving;
+    bool lineOpen = false;
+    int latest = -1;               // the greatest length that was told as refuted
+    std::vector<std::size_t> open; // questions whose verdict is not known yet
+};
