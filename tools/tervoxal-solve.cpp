@@ -97,9 +97,9 @@ std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& 
 
 /// Shows the one answer, with what is to say of it on standard error.
 void show(const Call& call, const Answers& answers) {
-    const Verdict verdict = answers.verdict(0);
-    if (verdict.kind != Verdict::Kind::path || !answers.settled(0)) {
-        std::cerr << verdict.full() << '\n';
+    const Outcome outcome = answers.outcome(0);
+    if (outcome.kind != Outcome::Kind::path || !answers.settled(0)) {
+        std::cerr << outcome.full() << '\n';
     }
     answers.showPath(std::cout, 0, call.show);
 }

@@ -34,12 +34,12 @@ private:
     std::set<std::string> taken;
 };
 
-std::string_view word(Verdict::Kind kind) {
+std::string_view word(Outcome::Kind kind) {
     switch (kind) {
-    case Verdict::Kind::path: return "path";
-    case Verdict::Kind::never: return "never";
-    case Verdict::Kind::none: return "none";
-    case Verdict::Kind::open: break;
+    case Outcome::Kind::path: return "path";
+    case Outcome::Kind::never: return "never";
+    case Outcome::Kind::none: return "none";
+    case Outcome::Kind::open: break;
     }
     return "open";
 }
@@ -49,20 +49,20 @@ std::string_view word(Verdict::Kind kind) {
 Answers::Answers(const Asked& asked, const Search& search, const Names& names)
     : asked(asked), search(search), names(names), transitions(search.networkTables().model) {}
 
-Verdict Answers::verdict(std::size_t question) const {
-    return verdictOf(search, search.findings()[question], asked.range);
+Outcome Answers::outcome(std::size_t question) const {
+    return outcomeOf(search, search.findings()[question], asked.range);
 }
 
 std::string Answers::line(std::size_t question) const {
-    return asked.questions[question].name + ": " + verdict(question).brief();
+    return asked.questions[question].name + ": " + outcome(question).brief();
 }
 
 int Answers::status() const {
     bool open = false;
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
-        const Verdict::Kind kind = verdict(q).kind;
-        if (kind == Verdict::Kind::path) return 10;
-        open = open || kind == Verdict::Kind::open;
+        const Outcome::Kind kind = outcome(q).kind;
+        if (kind == Outcome::Kind::path) return 10;
+        open = open || kind == Outcome::Kind::open;
     }
     return open ? 0 : 20;
 }
@@ -70,7 +70,7 @@ int Answers::status() const {
 /// Calls use with a walk along the path, where the verdict is one.
 template <class Use>
 void Answers::withPath(std::size_t question, Use&& use) const {
-    if (verdict(question).kind != Verdict::Kind::path) return;
+    if (outcome(question).kind != Outcome::Kind::path) return;
     const Finding& finding = search.findings()[question];
     const Path path = pathOf(search.networkTables(), finding.path);
     const Walk walk(transitions, path, finding.condition);
@@ -88,7 +88,7 @@ void Answers::showJson(std::ostream& out) const {
     out << ",\n\"questions\":[";
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
         const Question& question = asked.questions[q];
-        const Verdict answer = verdict(q);
+        const Outcome answer = outcome(q);
         out << (q == 0 ? "" : ",") << "\n{\"name\":" << jsonString(question.name)
             << ",\"expression\":" << jsonString(question.text) << ",\"answer\":\""
             << word(answer.kind) << "\",\"verdict\":" << jsonString(answer.brief());
@@ -115,11 +115,10 @@ void Answers::writePaths(const std::string& directory, const std::string& suffix
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
         const std::string file =
             directory + '/' + fileNames.next(asked.questions[q].name, q + 1) + '.' + suffix;
-        removeOutput(file); // of an earlier call
+        OutputFile out(file); // which removes that of an earlier call
         withPath(q, [&](const Walk& walk) {
             std::ostringstream text;
             show(text, {walk, names, asked.network, asked.questions[q].text, asked.all});
-            OutputFile out(file);
             out.write(text.view());
             if (!out.close()) error("cannot write " + file);
         });

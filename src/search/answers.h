@@ -4,11 +4,11 @@
 #pragma once
 
 #include "names.h"
+#include "outcome.h"
 #include "question.h"
 #include "report.h"
 #include "search.h"
 #include "transitions.h"
-#include "verdict.h"
 
 #include <cstddef>
 #include <ostream>
@@ -30,7 +30,7 @@ public:
 
     /// "NAME: path of 4 steps".
     [[nodiscard]] std::string line(std::size_t question) const;
-    [[nodiscard]] Verdict verdict(std::size_t question) const;
+    [[nodiscard]] Outcome outcome(std::size_t question) const;
     /// Whether nothing is left to find out about the question.
     [[nodiscard]] bool settled(std::size_t question) const {
         return search.settled(search.findings()[question]);

@@ -1,4 +1,4 @@
-#include "verdict.h"
+#include "outcome.h"
 
 #include "amounts.h"
 
@@ -6,7 +6,7 @@ std::string ofLengths(int from, int to) {
     return " of " + (from < to ? std::to_string(from) + " to " : "") + steps(to);
 }
 
-std::string Verdict::brief() const {
+std::string Outcome::brief() const {
     switch (kind) {
     case Kind::path: return "path" + detail;
     case Kind::never: return "never" + detail;
@@ -16,7 +16,7 @@ std::string Verdict::brief() const {
     return detail.starts_with(' ') ? "none" + detail : detail;
 }
 
-std::string Verdict::full() const {
+std::string Outcome::full() const {
     switch (kind) {
     case Kind::path: return "a path" + detail;
     case Kind::never: return "never, at any length" + detail;
@@ -26,8 +26,8 @@ std::string Verdict::full() const {
     return detail.starts_with(' ') ? "no path" + detail : detail;
 }
 
-Verdict verdictOf(const Search& search, const Finding& finding, const Search::Range& range) {
-    using Kind = Verdict::Kind;
+Outcome outcomeOf(const Search& search, const Finding& finding, const Search::Range& range) {
+    using Kind = Outcome::Kind;
     if (finding.never) return {Kind::never, ": no path has more than " + steps(search.longest())};
     if (finding.found && finding.length() <= range.to) {
         const bool told = finding.least() || range.any;

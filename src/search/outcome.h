@@ -6,7 +6,7 @@
 
 #include <string>
 
-struct Verdict {
+struct Outcome {
     enum class Kind { path, never, none, open };
 
     Kind kind;
@@ -18,8 +18,8 @@ struct Verdict {
     [[nodiscard]] std::string full() const;
 };
 
-/// The verdict on one of the search's findings, final where that is settled.
-[[nodiscard]] Verdict verdictOf(const Search& search, const Finding& finding,
+/// The outcome of one of the search's findings, final where that is settled.
+[[nodiscard]] Outcome outcomeOf(const Search& search, const Finding& finding,
                                 const Search::Range& range);
 
 /// " of 0 to 17 steps".
