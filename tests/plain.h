@@ -43,6 +43,27 @@ inline bool isPossible(const NetTimedModel& model, const State& state, uint acti
     return true;
 }
 
+/// The states that one step leads to.
+inline std::set<State> successors(const NetTimedModel& model, const State& state) {
+    std::set<State> all;
+    for (const auto& [action, automata] : model.actionAutomata) {
+        std::vector<State> next = {state};
+        for (const uint a : automata) {
+            std::vector<State> moved;
+            for (State& s : next) {
+                for (const auto& [source, target] : model.actionEdges.at({a, action})) {
+                    if (source != state[a]) continue;
+                    s[a] = target;
+                    moved.push_back(s);
+                }
+            }
+            next.swap(moved);
+        }
+        all.insert(next.begin(), next.end());
+    }
+    return all;
+}
+
 /// Whether a formula of randomFormula holds in the state.
 inline bool meets(const NetTimedModel& model, const State& state, const std::string& formula) {
     std::vector<bool> values;

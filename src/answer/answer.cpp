@@ -1,6 +1,7 @@
 #include "answer.h"
 
 #include "fatal.h"
+#include "lines.h"
 #include "readable.h"
 #include "scanner.h"
 
@@ -43,7 +44,7 @@ public:
             ++number;
             take(line);
         }
-        if (in.bad()) error(name + ": cannot be read");
+        refuseUnread(in, name);
         if (!verdict && gaveUp && !model) verdict = Verdict::unknown;
         if (!verdict && !model) error(name + ": no answer of a solver; empty or cut off");
         if (verdict.value_or(Verdict::satisfiable) != Verdict::satisfiable) {

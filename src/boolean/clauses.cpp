@@ -25,7 +25,7 @@ namespace {
 Clause unitClause(int x) { return {x, 0, 0}; }
 
 /// z implies x.
-Clause impliedClause(int x, int z) { return {-z, x, 0}; }
+Clause impliedClause(int x, int z) { return {0, x, -z}; }
 
 /// z and x imply y.
 Clause equalClause(int x, int y, int z) { return {-z, -x, y}; }
@@ -66,8 +66,8 @@ int larger(const Triple& t) { return std::abs(t.left) < std::abs(t.right) ? t.ri
 
 /// Whether con or equ can have made the node, whatever the order of its operands.
 bool isPlain(const Triple& t) {
-    if (t.op == bfEqu) return t.left > 0 && t.right > 0 && t.left != t.right;
-    return t.left != 0 && t.right != 0 && std::abs(t.left) != std::abs(t.right);
+    const bool different = t.left != 0 && t.right != 0 && std::abs(t.left) != std::abs(t.right);
+    return different && (t.op == bfCon || (t.left > 0 && t.right > 0));
 }
 
 } // namespace

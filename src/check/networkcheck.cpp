@@ -357,10 +357,10 @@ void NetworkChecker::checkReach(std::map<uint, std::vector<uint>> sources) {
 
 CheckedNetwork NetworkChecker::finished() {
     const long needed = 2 * bits;
-    if (!findings.refused() && needed >= BoolForm::maxVariable) {
+    if (!findings.refused() && needed > mostVariables) {
         findings.error(closingLine, "path needs " + std::to_string(needed) +
                                         " variables even if k is 1, the limit is " +
-                                        std::to_string(BoolForm::maxVariable - 1));
+                                        std::to_string(mostVariables));
     }
     if (findings.refused()) return {false, std::move(carried)};
     const bool steps = std::any_of(possibleAtStart.begin(), possibleAtStart.end(),

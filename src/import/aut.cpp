@@ -101,7 +101,7 @@ public:
                 header = true;
             }
         }
-        if (in.bad()) error(*file + ": cannot be read");
+        refuseUnread(in, *file);
         if (!header) refuse("end of file ahead of the header");
         if (system.transitions.size() < transitions) {
             refuse("end of file behind " + std::to_string(system.transitions.size()) + " of " +

@@ -15,11 +15,11 @@
 
 #pragma once
 
+#include "uint.h"
+
 #include <ostream>
 #include <string>
 #include <vector>
-
-using uint = unsigned int;
 
 struct LabelledSystem {
     struct Transition {

@@ -27,11 +27,11 @@
 
 #pragma once
 
+#include "uint.h"
+
 #include <ostream>
 #include <string>
 #include <vector>
-
-using uint = unsigned int;
 
 struct PetriNet {
     struct Place {

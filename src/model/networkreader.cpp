@@ -99,7 +99,7 @@ void NetworkReader::closed() {
 
 void read(NetTimedModel& model, Names* names, const std::string& file, bool progress) {
     std::ifstream in = openInput(file);
-    Lines lines(in);
+    Lines lines(in, file);
     NetworkReader reader(lines, model, names, progress);
     NetworkParser(lines, reader, model.nrOfAutomata).network();
 }

@@ -9,7 +9,7 @@
 
 void NetTimedModel::readFormula(std::string name) {
     std::ifstream in = openInput(name.append(".in"));
-    Lines lines(in);
+    Lines lines(in, name);
     if (!lines.next()) error("formula: end of file before the formula");
     form = std::make_unique<EctlForm>(lines.text);
 }

@@ -18,6 +18,7 @@
 #include "ectlform.h"
 #include "fatal.h"
 #include "symstate.h"
+#include "uint.h"
 
 #include <fstream>
 #include <map>
@@ -28,8 +29,6 @@
 #include <vector>
 
 class OutputFile;
-
-using uint = unsigned int;
 
 /// A declared location. Its key in the table says all there is to say.
 struct Vertex {};

@@ -28,9 +28,9 @@
 //     location                        0    1    2    none
 //
 // A frame is an earlier frame, its parent, and one automaton more that stays. Frame 0 is empty. The
-// lists of participants in ascending order, each closed by an end mark above all automata, bring
-// conditions that begin alike together: each takes over what it shares with the one before it,
-// which is all below the first automaton that moves there and stays here.
+// lists of participants, each closed by an end mark above all automata, are sorted. So conditions
+// that begin alike come one after the other, and each takes over what it shares with the one before
+// it: all below the first automaton that moves there and stays here.
 //
 //     participants    automata that stay    new frame
 //     0, 1, end       none

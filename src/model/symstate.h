@@ -6,6 +6,15 @@
 
 #include "boolformvect.h"
 
+#include <string>
+
+/// The most variables of a question about states. 1000000 itself is read as no variable.
+constexpr int mostVariables = BoolForm::maxVariable - 1;
+
+/// Ends the process with status 1 and one line on standard error if that many variables, which what
+/// needs, are more than mostVariables.
+void refuseVariables(const std::string& what, long needed);
+
 class SymState {
 public:
     /// A state of len bits on the variables from start upward. The position on the path does not

@@ -33,7 +33,10 @@ public:
     void end() {
         if (in.peek() != std::ifstream::traits_type::eof()) malformed();
     }
-    [[noreturn]] void malformed() const { error(name + ": not a side file, or cut off"); }
+    [[noreturn]] void malformed() const {
+        refuseUnread(in, name);
+        error(name + ": not a side file, or cut off");
+    }
     [[noreturn]] void otherThan(const std::string& what, long found, long wanted) const {
         error(name + ": is of another run; " + what + ": " + std::to_string(found) +
               " in place of " + std::to_string(wanted));

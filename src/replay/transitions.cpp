@@ -135,32 +135,3 @@ std::vector<uint> Transitions::actions(const State& from, const State& to,
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
-
-std::vector<uint> Transitions::actions(const State& from, const State& to) const {
-    std::vector<Change> changes;
-    for (uint a = 1; a < from.size(); ++a) {
-        if (from[a] != to[a]) changes.push_back({a, from[a], to[a]});
-    }
-    return actions(from, to, changes);
-}
-
-std::set<State> Transitions::successors(const State& state) const {
-    std::set<State> all;
-    for (uint action = 0; action < actionsByNumber.size(); ++action) {
-        std::vector<State> next = {state};
-        for (const Owner& owner : ownersOf(action)) {
-            std::vector<State> moved;
-            for (State& s : next) {
-                const uint source = state[owner.automaton];
-                for (auto move = owner.moves->lower_bound({source, 0});
-                     move != owner.moves->end() && move->first == source; ++move) {
-                    s[owner.automaton] = move->second;
-                    moved.push_back(s);
-                }
-            }
-            next.swap(moved);
-        }
-        all.insert(next.begin(), next.end());
-    }
-    return all;
-}

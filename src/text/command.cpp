@@ -2,6 +2,7 @@
 
 #include "fatal.h"
 #include "scanner.h"
+#include "version.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -69,7 +70,7 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
         std::exit(finished(0));
     }
     if (has("version")) {
-        std::cout << name << ' ' << TERVOXAL_VERSION << '\n';
+        std::cout << name << ' ' << version << '\n';
         std::exit(finished(0));
     }
     operands.insert(operands.end(), argv + optind, argv + argc);

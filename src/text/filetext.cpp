@@ -3,19 +3,23 @@
 #include "lines.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <fstream>
-#include <sstream>
-#include <utility>
 
 std::string fileText(const std::string& name) {
     std::ifstream in = openInput(name);
-    return wholeText(in);
+    const std::string text = wholeText(in);
+    refuseUnread(in, name);
+    return text;
 }
 
 std::string wholeText(std::istream& in) {
-    std::ostringstream text;
-    text << in.rdbuf();
-    return std::move(text).str();
+    std::string text;
+    for (std::string block(1U << 16U, '\0');
+         in.read(block.data(), static_cast<std::streamsize>(block.size())), in.gcount() > 0;) {
+        text.append(block, 0, static_cast<std::size_t>(in.gcount()));
+    }
+    return text;
 }
 
 std::string lastLine(const std::string& name) {

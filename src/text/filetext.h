@@ -5,7 +5,8 @@
 #include <istream>
 #include <string>
 
-/// The whole file. One that cannot be opened ends the process like openInput.
+/// The whole file. One that cannot be opened or read ends the process with status 1 and one line on
+/// standard error.
 [[nodiscard]] std::string fileText(const std::string& name);
 /// The rest of a stream.
 [[nodiscard]] std::string wholeText(std::istream& in);

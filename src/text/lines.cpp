@@ -14,10 +14,15 @@ std::ifstream openInput(const std::string& name) {
     return in;
 }
 
+void refuseUnread(const std::istream& in, const std::string& name) {
+    if (in.bad()) error(name + ": cannot be read");
+}
+
 bool Lines::next() {
     while (std::getline(*in, text)) {
         ++number;
         if (!text.empty() && text.front() != '#') return true;
     }
+    refuseUnread(*in, name);
     return false;
 }

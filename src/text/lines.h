@@ -6,19 +6,25 @@
 
 #include <fstream>
 #include <string>
+#include <utility>
 
 /// Opens a file for reading. One that cannot be opened, or is a directory, ends the process with
 /// status 1 and one line on standard error.
 [[nodiscard]] std::ifstream openInput(const std::string& name);
 
+/// Ends the process with status 1 and one line on standard error if reading has failed, which is
+/// not the end of the stream.
+void refuseUnread(const std::istream& in, const std::string& name);
+
 /// The significant lines of a stream, which must outlive this.
 class Lines {
 public:
-    /// The line that is read next has the number 1.
-    explicit Lines(std::istream& in) : in(&in) {}
+    /// The line that is read next has the number 1. The name of the stream is for messages.
+    explicit Lines(std::istream& in, std::string name = "input") : in(&in), name(std::move(name)) {}
 
     /// Goes to the next significant line, false at the end of the stream. text then is what the
-    /// last line of the stream holds, and number is that line's.
+    /// last line of the stream holds, and number is that line's. Ends the process like
+    /// refuseUnread.
     bool next();
 
     std::string text;
@@ -27,4 +33,5 @@ public:
 
 private:
     std::istream* in;
+    std::string name;
 };

@@ -1,6 +1,5 @@
 #include "reachability.h"
 
-#include "fatal.h"
 #include "transitionfunction.h"
 
 #include <set>
@@ -15,12 +14,7 @@ void addBits(std::vector<std::string>& names, const std::string& field, int widt
 } // namespace
 
 Circuit reachability(const NetTimedModel& model, const Condition& condition) {
-    const std::size_t variables =
-        static_cast<std::size_t>(model.totalNrVertBits) + Choices(model).bits;
-    if (variables >= BoolForm::maxVariable) {
-        error("the circuit needs " + std::to_string(variables) + " variables, the limit is " +
-              std::to_string(BoolForm::maxVariable - 1));
-    }
+    refuseVariables("the circuit", model.totalNrVertBits + static_cast<long>(Choices(model).bits));
     const TransitionFunction function(model);
     Circuit circuit;
     for (std::size_t i = 0; i < function.choices.bits; ++i) {

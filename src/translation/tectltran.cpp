@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr long maxVariables = BoolForm::maxVariable - 1; // 1000000 itself is read as no variable
-
 /// The tree under root, right operands ahead of left ones. It makes no difference to con and dis
 /// which operand is first.
 Condition conditionOf(const Node* root) {
@@ -64,7 +62,7 @@ const SymState& EctlTransl::state(int i) const {
 }
 
 BoolForm EctlTransl::symbPath() {
-    assert((k + 1L) * model.totalNrVertBits <= maxVariables);
+    assert((k + 1L) * model.totalNrVertBits <= mostVariables);
     const auto positions = static_cast<int>(std::min<long>(k + 1L, BoolForm::maxVariable));
     states.reserve(states.size() + static_cast<std::size_t>(positions));
     for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
@@ -103,11 +101,7 @@ BoolForm EctlTransl::transl(const Node* node, int i) const {
 }
 
 void EctlTransl::checkEctlFormula(std::string name) {
-    const long needed = (k + 1L) * model.totalNrVertBits;
-    if (needed > maxVariables) {
-        error("path needs " + std::to_string(needed) + " variables, the limit is " +
-              std::to_string(maxVariables));
-    }
+    refuseVariables("path", (k + 1L) * model.totalNrVertBits);
     refuseWithoutValue(model.form->onp);
 
     const EctlForm form = *model.form;

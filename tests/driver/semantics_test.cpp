@@ -5,7 +5,6 @@
 #include "plain.h"
 #include "property.h"
 #include "support.h"
-#include "transitions.h"
 
 #include <cctype>
 #include <iterator>
@@ -14,15 +13,14 @@
 namespace {
 
 /// Whether some run of exactly k steps from the initial state meets the formula.
-bool search(const Transitions& transitions, std::size_t k) {
-    const NetTimedModel& model = transitions.model;
+bool search(const NetTimedModel& model, std::size_t k) {
     const Condition condition = conditionOf(*model.form);
     const State initial = initialState(model);
     std::set<std::pair<bool, State>> layer = {{holds(model, condition, initial), initial}};
     for (; k > 0; --k) {
         std::set<std::pair<bool, State>> next;
         for (const auto& [met, state] : layer) {
-            for (const State& s : transitions.successors(state))
+            for (const State& s : successors(model, state))
                 next.emplace(met || holds(model, condition, s), s);
         }
         layer.swap(next);
@@ -31,15 +29,14 @@ bool search(const Transitions& transitions, std::size_t k) {
 }
 
 /// Whether a run of any length meets the formula.
-bool searchAll(const Transitions& transitions) {
-    const NetTimedModel& model = transitions.model;
+bool searchAll(const NetTimedModel& model) {
     const Condition condition = conditionOf(*model.form);
     std::set<State> seen = {initialState(model)};
     for (std::vector<State> open = {*seen.begin()}; !open.empty();) {
         const State state = open.back();
         open.pop_back();
         if (holds(model, condition, state)) return true;
-        for (const State& s : transitions.successors(state)) {
+        for (const State& s : successors(model, state)) {
             if (seen.insert(s).second) open.push_back(s);
         }
     }
@@ -126,10 +123,9 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         scratch.write("net.in", network);
         NetTimedModel model;
         read(model, scratch.path / "net");
-        const Transitions transitions(model);
         State state = initialState(model); // the formula is about one that some run may meet
         for (auto i = random() % 6; i > 0; --i) {
-            const std::set<State> next = transitions.successors(state);
+            const std::set<State> next = successors(model, state);
             if (!next.empty()) state = random() % 2 == 0 ? *next.begin() : *next.rbegin();
         }
         const std::string formula = randomFormula(random, state);
@@ -141,14 +137,14 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
         SCOPED_TRACE(testing::Message() << "seed " << seed << arguments << ' ' << formula << '\n'
                                         << network);
         ASSERT_EQ(scratch.run("$T" + arguments), 0);
-        const bool reachable = search(transitions, k);
+        const bool reachable = search(model, k);
         satisfiable += reachable ? 1 : 0;
         const bool temporal = formula.find('E') != std::string::npos;
         ASSERT_EQ(scratch.run("$D/tervoxal-aiger net form >question.aig"), temporal ? 1 : 0);
         if (!temporal && scratch.run("which berkeley-abc || which yosys-abc") == 0) {
             const std::string abc =
                 scratch.read("stdout").substr(0, scratch.read("stdout").find('\n'));
-            const bool met = searchAll(transitions);
+            const bool met = searchAll(model);
             ASSERT_EQ(scratch.run(abc + " -c 'read_aiger question.aig; pdr; write_cex -a w'"), 0);
             const char* const answer = met ? "asserted in frame" : "Property proved";
             EXPECT_NE(scratch.read("stdout").find(answer), std::string::npos) << answer;

@@ -3,7 +3,7 @@
 #include "search.h"
 
 #include "conditionliterals.h"
-#include "network.h"
+#include "plain.h"
 #include "property.h"
 #include "transitions.h"
 #include "walk.h"
@@ -31,7 +31,7 @@ struct Expected {
             met.push_back(!layer.empty() && layer.rbegin()->first);
             std::set<std::pair<bool, State>> next;
             for (const auto& [before, state] : layer) {
-                for (const State& s : transitions.successors(state)) {
+                for (const State& s : successors(model, state)) {
                     next.emplace(before || here(s), s);
                 }
             }
@@ -128,8 +128,8 @@ TEST(Search, agreesWithTheStates) {
             const Expected expected(transitions, finding.condition);
             const auto least = expected.least(range.from, range.to);
             if (finding.found) {
-                EXPECT_TRUE(meets(transitions, search.networkTables(), finding.path,
-                                  finding.condition));
+                EXPECT_TRUE(
+                    meets(transitions, search.networkTables(), finding.path, finding.condition));
                 EXPECT_GE(finding.length(), range.from);
             }
             if (least) {

@@ -1,0 +1,5 @@
+// What counts and numbers automata, locations, actions and propositions.
+
+#pragma once
+
+using uint = unsigned int;
