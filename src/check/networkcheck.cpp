@@ -234,7 +234,7 @@ std::string NetworkChecker::cause(NetworkFault::Kind kind) const {
     if (kind == Kind::missing && beginsWithDigit(line.behind)) {
         return ", a blank is due ahead of the first one";
     }
-    if (kind < Kind::noDeclaration || kind > Kind::openAutomaton) return "";
+    if (!anotherLineIsDue(kind)) return "";
 
     const std::string_view text = trimmed(lines.text);
     const bool end = line.keyword == "end";
@@ -271,9 +271,9 @@ bool NetworkChecker::nextAutomaton(NetworkFault::Kind kind) {
     do {
         const KeywordLine line = keywordLine(lines.text);
         const bool closing = lines.text.starts_with("end");
-        const bool title = line.keyword != "end" && !complete(line);
+        const bool title = !closing && !complete(line);
         if ((title && ends >= 2) || (closing && closings >= 2)) return true;
-        ends = line.keyword == "end" ? ends + 1 : 0;
+        ends = line.keyword == "end" && !title ? ends + 1 : 0;
         closings = closing ? closings + 1 : 0;
     } while (lines.next());
     return false;

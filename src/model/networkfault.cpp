@@ -15,6 +15,12 @@ std::string text(NetworkFault::Field field) {
 
 } // namespace
 
+bool anotherLineIsDue(NetworkFault::Kind kind) {
+    using Kind = NetworkFault::Kind;
+    return kind == Kind::noDeclaration || kind == Kind::openLocation ||
+           kind == Kind::openTransition || kind == Kind::openAutomaton;
+}
+
 std::string text(const NetworkFault& fault) {
     using Kind = NetworkFault::Kind;
     const std::string automaton = "automaton " + std::to_string(fault.automaton) + ": ";
@@ -35,8 +41,6 @@ std::string text(const NetworkFault& fault) {
 }
 
 std::string refusal(const NetworkFault& fault) {
-    using Kind = NetworkFault::Kind;
-    const bool otherLine = fault.kind == Kind::noDeclaration || fault.kind == Kind::openLocation ||
-                           fault.kind == Kind::openTransition || fault.kind == Kind::openAutomaton;
-    return (otherLine ? "" : "line " + std::to_string(fault.line) + ": ") + text(fault);
+    const std::string line = "line " + std::to_string(fault.line) + ": ";
+    return (anotherLineIsDue(fault.kind) ? "" : line) + text(fault);
 }

@@ -34,6 +34,8 @@ struct NetworkFault {
     unsigned int location = 0;     // that lacks its declaration
 };
 
+/// Whether another line is due in place of the one that is there.
+[[nodiscard]] bool anotherLineIsDue(NetworkFault::Kind kind);
 /// What is wrong, without the line.
 [[nodiscard]] std::string text(const NetworkFault& fault);
 /// The line with which a run refuses the file. It names no line where another one is due.

@@ -1,8 +1,8 @@
-// The fields of one line: words and numbers, read as formatted extraction would read them.
+// The fields of one line: words and numbers, as the >> of a stream takes them.
 //
 // White space is space, tab, vertical tab, form feed and carriage return. A number is decimal with
-// an optional sign; it ends ahead of the first character that is no digit. Numbers have a meaning
-// from 0 to 2147483647.
+// an optional sign; it ends ahead of the first character that is no digit. Numbers from 0 to
+// 2147483647 have a meaning.
 
 #pragma once
 
