@@ -25,13 +25,13 @@ int main(int argc, char* argv[]) {
         1,
         2};
     const CommandLine line(command, argc, argv);
-    const std::string networkFile = inputName(line.operands[0]) + ".in";
+    const std::string networkFile = inputName(line.operands[0]) + inputSuffix;
     Findings inNetwork;
     const CheckedNetwork network = checkNetwork(networkFile, inNetwork);
     inNetwork.show(std::cout, networkFile);
     Findings inFormula;
     if (line.operands.size() > 1) {
-        const std::string formulaFile = inputName(line.operands[1]) + ".in";
+        const std::string formulaFile = inputName(line.operands[1]) + inputSuffix;
         checkFormula(formulaFile, network, inFormula);
         inFormula.show(std::cout, formulaFile);
     }

@@ -1,6 +1,7 @@
 #include "dimacs.h"
 
 #include "boolform.h"
+#include "filenames.h"
 #include "outputfile.h"
 
 #include <algorithm>
@@ -135,13 +136,13 @@ int maxCNFOrgVarNr(const std::set<Clause>& cs) { return largestBelow(cs, BoolFor
 
 void showCNF(const std::set<Clause>& cs, std::string name) {
     const FileNumbers numbers(BoolForm::maxVariable - maxCNFOrgVarNr(cs));
-    write(cs, name.append(".cnf"), maxCNFVarNr(cs), largestBelow(cs, BoolForm::maxVariable + 1),
-          numbers);
+    write(cs, name.append(clauseSuffix), maxCNFVarNr(cs),
+          largestBelow(cs, BoolForm::maxVariable + 1), numbers);
 }
 
 void showCNF(const ClauseRange& cs, std::string name) {
     const FileNumbers numbers(BoolForm::maxVariable - cs.maxVariable());
-    write(cs, name.append(".cnf"), cs.maxNr(), cs.topVariable(), numbers);
+    write(cs, name.append(clauseSuffix), cs.maxNr(), cs.topVariable(), numbers);
 }
 
 void showCNF(const std::set<Clause>& cs) {

@@ -1,6 +1,7 @@
 #include "askedformula.h"
 
 #include "fatal.h"
+#include "filenames.h"
 #include "formulacheck.h"
 #include "readable.h"
 
@@ -22,7 +23,7 @@ void refuseTemporal(const EctlForm& form) {
 Condition readAskedFormula(const NetTimedModel& model, const std::string& name) {
     CheckedNetwork network{true, {}};
     for (const auto& [location, prop] : model.valuation) network.props.insert(prop);
-    const std::string file = name + ".in";
+    const std::string file = name + inputSuffix;
     Findings findings;
     const auto form = checkFormula(file, network, findings);
     if (form) refuseTemporal(*form);

@@ -5,6 +5,7 @@
 #include "section.h"
 
 #include "fatal.h"
+#include "filenames.h"
 #include "lines.h"
 
 #include <algorithm>
@@ -107,7 +108,7 @@ void read(NetTimedModel& model, Names* names, const std::string& file, bool prog
 } // namespace
 
 void NetTimedModel::readNetwork(std::string name) {
-    read(*this, nullptr, name.append(".in"), true);
+    read(*this, nullptr, name.append(inputSuffix), true);
 }
 
 bool NetTimedModel::readAutomaton(std::ifstream& in) {
@@ -117,6 +118,6 @@ bool NetTimedModel::readAutomaton(std::ifstream& in) {
 }
 
 void readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name) {
-    read(model, &names, name + ".in", false);
+    read(model, &names, name + inputSuffix, false);
     model.compNrOfBits(0);
 }

@@ -1,5 +1,6 @@
 #include "ntamodel.h"
 
+#include "filenames.h"
 #include "lines.h"
 #include "outputfile.h"
 #include "step.h"
@@ -8,7 +9,7 @@
 #include <cassert>
 
 void NetTimedModel::readFormula(std::string name) {
-    std::ifstream in = openInput(name.append(".in"));
+    std::ifstream in = openInput(name.append(inputSuffix));
     Lines lines(in, name);
     if (!lines.next()) error("formula: end of file before the formula");
     form = std::make_unique<EctlForm>(lines.text);
@@ -82,7 +83,7 @@ BoolForm NetTimedModel::fH(const SymState& s1, const SymState& s2) const {
 }
 
 void NetTimedModel::showLCK(int k, int maxVar, std::string name) const {
-    OutputFile file(name.append(".lck"));
+    OutputFile file(name.append(sideSuffix));
     showLCK(k, maxVar, file);
 }
 

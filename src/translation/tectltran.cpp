@@ -1,6 +1,7 @@
 #include "tectltran.h"
 
 #include "evaluation.h"
+#include "filenames.h"
 #include "outputfile.h"
 #include "step.h"
 
@@ -123,7 +124,7 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cerr << clauses.size() << '\n';
 
     std::cerr << "Writing down clauses ";
-    OutputFile sideFile(name + ".lck"); // never beside a clause file that it does not go with
+    OutputFile sideFile(name + sideSuffix); // never beside a clause file that it does not go with
     showCNF(clauses, name);
     model.showLCK(k, clauses.maxVariable(), sideFile);
     std::cerr << '\n';
