@@ -7,7 +7,9 @@
 #include "names.h"
 #include "pathlength.h"
 #include "progress.h"
+#include "prover.h"
 #include "question.h"
+#include "readable.h"
 #include "report.h"
 #include "search.h"
 
@@ -15,6 +17,7 @@
 #include <array>
 #include <chrono>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,6 +42,10 @@ const Command command{
      {"paths", "DIRECTORY", "write the paths of a table there"},
      {"any", "", "stop at the first path, which need not be the shortest"},
      {"time", "SECONDS", "end after SECONDS with what is known by then"},
+     {"prove", "",
+      "beside that, ask a model checker for a proof that there is no path of any length"},
+     {"prove-time", "SECONDS", "likewise, for SECONDS at most (60)"},
+     {"certificate", "FILE", "likewise, and write what the proof rests on into FILE"},
      {"from", "K", "only paths of K steps or more (0)"},
      {"format", "FORMAT",
       "text, json, vcd or dot, as tervoxal-path writes them (text); json has\n"
@@ -56,6 +63,8 @@ struct Call {
     std::string format;
     Show show;
     long seconds;
+    bool prove;
+    long proveSeconds;
     Answers::Asked asked;
 };
 
@@ -72,6 +81,9 @@ Call::Call(const CommandLine& line) {
     range.from = static_cast<int>(line.number("from", 0, range.to, 0));
     range.any = line.has("any");
     seconds = line.number("time", 1, greatestPathLength, 0);
+    prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
+    proveSeconds = line.number("prove-time", 1, greatestPathLength, 60);
+    if (line.has("certificate") && many) line.misused("--certificate is of one question");
     format = line.value("format", "text");
     show = showOf(format);
     if (show == nullptr) {
@@ -138,12 +150,37 @@ int main(int argc, char* argv[]) {
     Search::Listener listener;
     listener.refuted = [&] { progress.refuted(*running, *known); };
     listener.found = [&](const Finding& finding) { progress.found(*running, *known, finding); };
-    if (call.seconds > 0) listener.stop = [&] { return Clock::now() >= deadline; };
+    std::optional<Prover> prover;
+    const auto late = [&] { return call.seconds > 0 && Clock::now() >= deadline; };
+    if (call.seconds > 0 || call.prove) {
+        listener.stop = [&] { return late() || (prover && prover->ready()); };
+    }
     Search search(model, std::move(conditions), call.asked.range, listener);
     const Answers answers(call.asked, search, names);
     running = &search;
     known = &answers;
+    if (call.prove) {
+        const std::vector<Question>& questions = call.asked.questions;
+        prover.emplace(
+            search, names,
+            Prover::Setting{std::chrono::seconds(call.proveSeconds), line.value("certificate", ""),
+                            readable(call.asked.network + ": never " + questions[0].text),
+                            [&](std::size_t question, const std::string& why) {
+                                progress.end();
+                                std::cerr << "proof: "
+                                          << (call.many ? questions[question].name + ": " : "")
+                                          << why << '\n';
+                            }});
+    }
     search.run();
+    while (prover && prover->working() && !late()) {
+        if (prover->ready()) {
+            prover->take();
+            search.run();
+        } else {
+            prover->wait();
+        }
+    }
     progress.end();
 
     if (call.many) {

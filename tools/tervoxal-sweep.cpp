@@ -12,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -72,9 +71,7 @@ std::string defaultSolver() {
 /// The sweep in a directory of its own, which is gone when it comes back.
 Result swept(const Task& task, const Input& input) {
     Children children;
-    const char* const place = std::getenv("TMPDIR");
-    const fs::path temporary = place == nullptr || *place == '\0' ? "/tmp" : place;
-    const fs::path parent = task.keep.empty() ? temporary : task.keep;
+    const fs::path parent = task.keep.empty() ? temporaryPlace() : task.keep;
     const TemporaryDirectory directory(parent, command.name);
     for (const auto& [name, text] :
          {std::pair(task.network, input.network), std::pair(task.formula, input.formula)}) {

@@ -34,6 +34,11 @@ TemporaryDirectory::~TemporaryDirectory() {
     std::filesystem::remove_all(path, ignored);
 }
 
+std::filesystem::path temporaryPlace() {
+    const char* const place = std::getenv("TMPDIR");
+    return place == nullptr || *place == '\0' ? "/tmp" : place;
+}
+
 std::string writeFile(const std::filesystem::path& file, const std::string& text) {
     errno = 0;
     std::ofstream out(file, std::ios::binary);

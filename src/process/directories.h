@@ -18,6 +18,8 @@ public:
     std::filesystem::path path; // absolute
 };
 
+/// Where temporary files go: TMPDIR, or /tmp.
+[[nodiscard]] std::filesystem::path temporaryPlace();
 /// Writes a file in place of what is there. Gives what went wrong, or an empty text.
 [[nodiscard]] std::string writeFile(const std::filesystem::path& file, const std::string& text);
 /// Tries to write a file of 4 KiB in the directory. Gives what went wrong, or an empty text.

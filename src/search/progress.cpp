@@ -14,6 +14,7 @@ Progress::Progress(const Answers::Asked& asked, bool table)
 }
 
 void Progress::refuted(const Search& search, const Answers& answers) {
+    if (open.empty()) return;
     int to = std::numeric_limits<int>::max();
     std::vector<std::size_t> rest;
     for (const std::size_t q : open) {

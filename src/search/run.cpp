@@ -1,8 +1,10 @@
 #include "run.h"
 
 #include "property.h"
+#include "transitions.h"
 
 #include <algorithm>
+#include <cassert>
 
 namespace {
 
@@ -61,6 +63,25 @@ std::size_t firstMet(const Tables& tables, const Run& run, const Condition& cond
     return position;
 }
 
+/// An action of the network that leads from one state to the other, as the tables have it.
+Taken takenBetween(const Tables& tables, uint number, const State& before, const State& after) {
+    const std::optional<uint> action = tables.action(number);
+    assert(action);
+    Taken taken{*action, {}};
+    for (uint p = tables.participantsBegin(*action); p < tables.actions[*action].participantsEnd;
+         ++p) {
+        const uint a = tables.automata[tables.participants[p].automaton].number;
+        uint m = tables.movesBegin(p);
+        while (tables.locations[tables.moves[m].source].number != before[a] ||
+               tables.locations[tables.moves[m].target].number != after[a]) {
+            ++m;
+            assert(m < tables.participants[p].movesEnd);
+        }
+        taken.moves.push_back(m);
+    }
+    return taken;
+}
+
 } // namespace
 
 Path pathOf(const Tables& tables, const Run& run) {
@@ -71,6 +92,26 @@ Path pathOf(const Tables& tables, const Run& run) {
         });
     }
     return path;
+}
+
+Run runOf(const Tables& tables, const Path& path) {
+    const Transitions transitions(tables.model);
+    State before = path.first;
+    State after = before;
+    Run run;
+    for (auto change = path.changes.begin(); change != path.changes.end();) {
+        std::vector<Change> changes;
+        for (const int p = change->position; change != path.changes.end() && change->position == p;
+             ++change) {
+            changes.push_back(change->change);
+            after[change->change.automaton] = change->change.target;
+        }
+        const std::vector<uint> actions = transitions.actions(before, after, changes);
+        assert(!actions.empty());
+        run.push_back(takenBetween(tables, actions.front(), before, after));
+        for (const Change& made : changes) before[made.automaton] = made.target;
+    }
+    return run;
 }
 
 Run shortened(const Tables& tables, Run run, const Condition& condition, std::size_t least) {

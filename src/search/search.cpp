@@ -52,6 +52,7 @@ constexpr int unlimited = -1;
 Search::Search(const NetTimedModel& model, std::vector<Condition> conditions, const Range& range,
                Listener listener)
     : tables(model), range(range), listener(std::move(listener)) {
+    huntDepth = range.from;
     for (Condition& condition : conditions) {
         all.push_back({std::move(condition), range.from - 1});
     }
@@ -153,8 +154,23 @@ bool Search::climb(int conflicts) {
     }
 }
 
+void Search::offer(std::size_t question, Run path) {
+    Finding& finding = all[question];
+    const auto least = static_cast<std::size_t>(range.from);
+    path = shortened(tables, std::move(path), finding.condition, least);
+    if (path.size() < least || (finding.found && path.size() >= finding.path.size())) return;
+    finding.path = std::move(path);
+    finding.found = true;
+    listener.found(finding);
+}
+
+void Search::exclude(std::size_t question) {
+    all[question].never = true;
+    all[question].proved = true;
+    listener.refuted();
+}
+
 void Search::run() {
-    huntDepth = range.from;
     const auto isSettled = [&](const Finding& finding) { return settled(finding); };
     const auto isHunted = [&](const Finding& finding) { return hunted(finding); };
     for (int conflicts = 20000;; conflicts *= 2) {

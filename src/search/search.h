@@ -21,6 +21,7 @@ struct Finding {
     bool found = false;
     Run path{}; // if found
     bool never = false; // no path of any length meets it
+    bool proved = false; // never, as was proved outside of the search
     [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
     /// No shorter path meets it.
     [[nodiscard]] bool least() const { return found && refuted + 1 >= length(); }
@@ -44,8 +45,15 @@ public:
            Listener listener);
     ~Search();
 
-    /// Searches until all is answered, or until it is stopped.
+    /// Searches until all is answered, or until it is stopped. Goes on where it was stopped.
     void run();
+
+    // What others have found out. Not while it runs.
+
+    /// A path that meets a condition. It counts if it is shorter than what is known.
+    void offer(std::size_t question, Run path);
+    /// No path of any length meets a condition.
+    void exclude(std::size_t question);
 
     [[nodiscard]] const std::vector<Finding>& findings() const { return all; }
     /// No path has more steps; -1 if that is not known.

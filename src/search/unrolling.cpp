@@ -29,7 +29,8 @@ struct Unrolling::Template {
     void make();
 
     int newVar(uint late) {
-        made.late.push_back(made.steps == Steps::ordered ? 0 : late);
+        const bool soon = made.steps == Steps::ordered || made.without == Says::start;
+        made.late.push_back(soon ? 0 : late);
         made.lastLate = std::max(made.lastLate, made.late.back());
         return static_cast<int>(made.late.size());
     }
@@ -180,8 +181,8 @@ void Unrolling::Template::parallel(uint a) {
     for (std::size_t i = 0; i < moves.size();) {
         const Mover& first = moves[i];
         std::vector<int> same;
-        for (; i < moves.size() && moves[i].source == first.source &&
-               moves[i].target == first.target;
+        for (;
+             i < moves.size() && moves[i].source == first.source && moves[i].target == first.target;
              ++i) {
             const Mover& move = moves[i];
             same.push_back(move.var);
@@ -225,8 +226,8 @@ void Unrolling::Template::ordered(uint a) {
             if (move.source == move.target) {
                 all.push_back({Kind::test, move.rank, move.var, move.source == begin ? -1 : 1});
             } else {
-                all.push_back({move.source == begin ? Kind::come : Kind::leave, move.rank,
-                               move.var, 1});
+                all.push_back(
+                    {move.source == begin ? Kind::come : Kind::leave, move.rank, move.var, 1});
             }
         } else if (move.source == move.target) {
             events[move.source - begin].push_back({Kind::test, move.rank, move.var, 1});
@@ -310,9 +311,7 @@ void Unrolling::step() {
     const auto shifted = [&](int var) { return var > stateSize ? var + after : var + before; };
     if (position >= lastLate) {
         for (const int literal : clauses) {
-            given.push_back(literal == 0  ? 0
-                            : literal < 0 ? -shifted(-literal)
-                                          : shifted(literal));
+            given.push_back(literal == 0 ? 0 : literal < 0 ? -shifted(-literal) : shifted(literal));
         }
     } else {
         std::size_t begin = 0; // of the clause
@@ -338,7 +337,9 @@ void Unrolling::step() {
 int Unrolling::location(int position, uint l) const {
     const int var = locationVars[l];
     const uint layer = tables.locations[var > 0 ? l : l + 1].layer;
-    const auto soonest = steps == Steps::ordered ? std::min(layer, 1U) : layer;
+    const auto soonest = without == Says::start    ? 0
+                         : steps == Steps::ordered ? std::min(layer, 1U)
+                                                   : layer;
     if (static_cast<uint>(position) < soonest) return var < 0 ? verity : -verity;
     const int base = stateAt[static_cast<std::size_t>(position)] - 1;
     return var < 0 ? var - base : var + base;
@@ -359,8 +360,8 @@ Run Unrolling::run(int position) const {
                 uint chosen = tables.movesBegin(i);
                 // Where a move and a test are both marked, the move counts.
                 for (uint m = chosen + 1; m < tables.participants[i].movesEnd; ++m) {
-                    if (holds(moveVars[m]) &&
-                        (!holds(moveVars[chosen]) || tables.moves[m].source != tables.moves[m].target)) {
+                    if (holds(moveVars[m]) && (!holds(moveVars[chosen]) ||
+                                               tables.moves[m].source != tables.moves[m].target)) {
                         chosen = m;
                     }
                 }

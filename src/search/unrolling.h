@@ -16,7 +16,7 @@ enum class Steps { serial, parallel, ordered };
 
 /// The clauses of an unrolling by what they say.
 enum class Says {
-    start,     // every automaton is in location 0 at position 0
+    start,     // every automaton is in location 0 at position 0; without it, in any
     somewhere, // an automaton is in one of its locations
     once,      // and in no other
     source,    // a move leaves its source

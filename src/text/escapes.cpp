@@ -22,3 +22,12 @@ std::string unescaped(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) meant += text[escapes(text, i) ? ++i : i];
     return meant;
 }
+
+std::string quoted(std::string_view text) {
+    std::string all = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') all += '\\';
+        all += c;
+    }
+    return all + '"';
+}

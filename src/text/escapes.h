@@ -11,3 +11,5 @@
 [[nodiscard]] std::size_t closingQuote(std::string_view text, std::size_t begin);
 /// What stands between the quotes, as it is meant.
 [[nodiscard]] std::string unescaped(std::string_view text);
+/// The text between two quotes, as unescaped takes it.
+[[nodiscard]] std::string quoted(std::string_view text);

@@ -1,0 +1,166 @@
+#include "certificate.h"
+
+#include "conditionliterals.h"
+#include "escapes.h"
+#include "solver.h"
+#include "unrolling.h"
+#include "vocabulary.h"
+
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace {
+
+/// A certificate in an unrolling.
+class Checked {
+public:
+    Checked(const Tables& tables, const Certificate& certificate, Says without)
+        : tables(tables), certificate(certificate),
+          unrolling(tables, solver, Steps::serial, without), literals(unrolling, solver) {}
+
+    /// Each automaton is in one location at position 0, which nothing else says where the start is
+    /// left out.
+    void beAnywhere() {
+        for (uint a = 0; a < tables.automata.size(); ++a) {
+            std::vector<int> in;
+            int before = -unrolling.truth(); // it is in one of the locations ahead of this one
+            for (uint l = tables.locationsBegin(a); l < tables.automata[a].locationsEnd; ++l) {
+                in.push_back(unrolling.location(0, l));
+                solver.add({-before, -in.back()});
+                before = literals.disjunction(before, in.back());
+            }
+            solver.add({before});
+        }
+    }
+    void leaveSets() {
+        for (const int set : setsAt(0)) solver.add({-set});
+    }
+    [[nodiscard]] bool meetsSet() { return possible(literals.some(setsAt(unrolling.depth()))); }
+    [[nodiscard]] bool meets(const Condition& condition) {
+        return possible(literals.literal(condition, 0));
+    }
+    void step() { unrolling.step(); }
+
+private:
+    [[nodiscard]] bool possible(int literal) {
+        solver.assume(literal);
+        return solver.solve(-1) == Solver::Verdict::satisfiable;
+    }
+
+    /// A literal for each set at the position.
+    std::vector<int> setsAt(int position) {
+        std::map<Certificate::Places, int> known;
+        std::vector<int> sets;
+        for (const Certificate::Set& set : certificate.sets) {
+            std::vector<int> outside;
+            for (const Certificate::Places& places : set) {
+                const auto [literal, first] = known.try_emplace(places, 0);
+                if (first) literal->second = placesAt(places, position);
+                outside.push_back(-literal->second);
+            }
+            sets.push_back(-literals.some(std::move(outside)));
+        }
+        return sets;
+    }
+
+    [[nodiscard]] int placesAt(const Certificate::Places& places, int position) {
+        std::vector<int> in;
+        const auto end =
+            tables.model.verts.upper_bound({places.automaton, std::numeric_limits<uint>::max()});
+        for (auto l = tables.model.verts.lower_bound({places.automaton, 0}); l != end; ++l) {
+            const uint location = l->first.second;
+            const Tables::Place place = tables.place(places.automaton, location);
+            if (!places.has(location)) continue;
+            if (place.always) in.push_back(unrolling.truth());
+            if (place.location) in.push_back(unrolling.location(position, *place.location));
+        }
+        return literals.some(std::move(in));
+    }
+
+    const Tables& tables;
+    const Certificate& certificate;
+    Solver solver;
+    Unrolling unrolling;
+    ConditionLiterals literals;
+};
+
+} // namespace
+
+std::string certificateFault(const Tables& tables, const Certificate& certificate,
+                             const Condition& condition) {
+    Checked first(tables, certificate, Says::nothing);
+    if (first.meetsSet()) return "the initial state is in a set of states that it excludes";
+    Checked any(tables, certificate, Says::start);
+    any.beAnywhere();
+    any.leaveSets();
+    if (any.meets(condition)) return "what is asked holds in a state that it does not exclude";
+    any.step();
+    if (any.meetsSet()) return "a step leads into a set of states that it excludes";
+    return "";
+}
+
+namespace {
+
+/// Expressions about where automata are.
+class Writer {
+public:
+    Writer(const NetTimedModel& model, const Names& names)
+        : vocabulary(vocabularyOf(model, names)), names(names) {}
+
+    [[nodiscard]] std::string expression(const Certificate::Set& set) const {
+        std::string text;
+        for (const Certificate::Places& places : set) {
+            text += (text.empty() ? "" : " & ") + expression(places);
+        }
+        return text.empty() ? "true" : text;
+    }
+
+private:
+    /// The shorter of where it is and where it is not.
+    [[nodiscard]] std::string expression(const Certificate::Places& places) const {
+        std::vector<uint> in;
+        std::vector<uint> out;
+        for (const uint l : vocabulary.locations.at(places.automaton).numbers) {
+            (places.has(l) ? in : out).push_back(l);
+        }
+        if (out.empty()) return "true";
+        if (in.size() > out.size()) return "!(" + some(places.automaton, out) + ')';
+        return in.size() == 1 ? some(places.automaton, in) : '(' + some(places.automaton, in) + ')';
+    }
+
+    [[nodiscard]] std::string some(uint a, const std::vector<uint>& locations) const {
+        if (locations.empty()) return "false";
+        const auto automaton = names.automata.find(a);
+        const std::string place =
+            "at(" + name(vocabulary.automata.named, automaton, names.automata.end(), a) + ", ";
+        std::string text;
+        for (const uint l : locations) {
+            const auto location = names.locations.find({a, l});
+            text += (text.empty() ? "" : " | ") + place +
+                    name(vocabulary.locations.at(a).named, location, names.locations.end(), l) +
+                    ')';
+        }
+        return text;
+    }
+
+    /// The name if it is given and no other one's, else the number.
+    template <class Found>
+    static std::string name(const Vocabulary::Named& named, Found found, Found end, uint number) {
+        if (found == end || named.at(found->second).size() > 1) return std::to_string(number);
+        return quoted(found->second);
+    }
+
+    const Vocabulary vocabulary;
+    const Names& names;
+};
+
+} // namespace
+
+void showCertificate(std::ostream& out, const NetTimedModel& model, const Names& names,
+                     const Certificate& certificate) {
+    const Writer writer(model, names);
+    for (std::size_t i = 0; i < certificate.sets.size(); ++i) {
+        out << i + 1 << ": " << writer.expression(certificate.sets[i]) << '\n';
+    }
+}

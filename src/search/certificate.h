@@ -1,0 +1,46 @@
+// Why a condition is never met, in a form that can be checked without the one who found it: sets of
+// states none of which is ever reached, an inductive invariant.
+//
+// It proves that no path of any length meets the condition if
+//
+//     1. the initial state is in none of the sets,
+//     2. the condition holds in no state but those of the sets, and
+//     3. no step leads from a state outside of the sets into one of them.
+
+#pragma once
+
+#include "condition.h"
+#include "names.h"
+#include "tables.h"
+
+#include <compare>
+#include <ostream>
+#include <string>
+#include <vector>
+
+struct Certificate {
+    /// The locations of an automaton that have some bits of their number in common.
+    struct Places {
+        uint automaton;
+        uint mask;
+        uint bits;
+
+        [[nodiscard]] bool has(uint location) const { return (location & mask) == bits; }
+        auto operator<=>(const Places&) const = default;
+    };
+    /// States in which all of some automata are in such locations, whatever the others do.
+    using Set = std::vector<Places>;
+
+    std::vector<Set> sets;
+};
+
+/// Checks all three by a solver call each, on the steps that the search takes. Gives what fails, or
+/// an empty text.
+[[nodiscard]] std::string certificateFault(const Tables& tables, const Certificate& certificate,
+                                           const Condition& condition);
+
+/// Writes a line `NAME: EXPRESSION` for each set, which is a file of questions: no reachable state
+/// answers any of them. An automaton or a location stands under its name, or under its number where
+/// the name is missing or another one's as well.
+void showCertificate(std::ostream& out, const NetTimedModel& model, const Names& names,
+                     const Certificate& certificate);
