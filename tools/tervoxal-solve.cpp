@@ -1,7 +1,6 @@
 // The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
 #include "answers.h"
-#include "askedformula.h"
 #include "command.h"
 #include "filenames.h"
 #include "names.h"
@@ -87,12 +86,10 @@ Call::Call(const CommandLine& line) {
 
 std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& model,
                                   const Names& names) {
-    if (line.has("ask")) return {expressionQuestion(model, names, line.value("ask", ""))};
     if (line.has("deadlock")) return {expressionQuestion(model, names, "deadlock")};
     if (line.has("actions")) return actionQuestions(model, names);
     if (line.has("questions")) return readQuestions(model, names, line.value("questions", ""));
-    const std::string formula = inputName(line.operands[1]);
-    return {{formula, formula, readAskedFormula(model, formula)}};
+    return {askedQuestion(model, names, line)};
 }
 
 /// Shows the one answer, with what is to say of it on standard error.
