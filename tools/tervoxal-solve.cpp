@@ -2,6 +2,7 @@
 
 #include "answers.h"
 #include "command.h"
+#include "fatal.h"
 #include "filenames.h"
 #include "names.h"
 #include "pathlength.h"
@@ -13,8 +14,10 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -102,16 +105,22 @@ void show(const Call& call, const Answers& answers) {
 }
 
 void showMany(const CommandLine& line, const Call& call, const Answers& answers) {
-    if (line.has("paths")) {
-        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
-                           call.show);
-    }
     if (call.format == "json") {
         answers.showJson(std::cout);
     } else {
         std::cout << '\n';
         answers.showTable(std::cout);
     }
+    if (line.has("paths")) {
+        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
+                           call.show);
+    }
+}
+
+void makeDirectory(const std::string& name) {
+    std::error_code problem;
+    std::filesystem::create_directories(name, problem);
+    if (problem) error("cannot make " + name + ": " + problem.message());
 }
 
 } // namespace
@@ -129,7 +138,9 @@ int main(int argc, char* argv[]) {
     std::vector<Condition> conditions;
     for (const Question& question : call.asked.questions) conditions.push_back(question.condition);
 
-    Progress progress(call.asked, call.many && call.format != "json");
+    if (line.has("paths")) makeDirectory(line.value("paths", ""));
+    std::ostream& table = call.format == "json" ? std::cerr : std::cout;
+    Progress progress(call.asked, call.many ? &table : nullptr);
     const Answers* known = nullptr;
     const Search* running = nullptr;
     Search::Listener listener;
