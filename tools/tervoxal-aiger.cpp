@@ -2,10 +2,10 @@
 // checkers.
 
 #include "aiger.h"
-#include "askedformula.h"
 #include "command.h"
 #include "filenames.h"
 #include "names.h"
+#include "question.h"
 #include "reachability.h"
 
 #include <iostream>
@@ -13,21 +13,23 @@
 int main(int argc, char* argv[]) {
     const Command command{
         "tervoxal-aiger",
-        "NetworkFile FormulaFile",
+        "NetworkFile [FormulaFile]",
         "Writes the question whether the network NetworkFile.in can reach a state in which the\n"
         "formula of FormulaFile.in holds, in any number of steps, as an AIGER 1.0 circuit to\n"
         "standard output. A model checker answers it for all lengths:\n"
         "\n"
         "  tervoxal-aiger NetworkFile FormulaFile >question.aig\n"
         "  berkeley-abc -c \"read_aiger question.aig; pdr\"\n",
-        {{"ascii", "", "write the text form of the format (.aag), not the binary one"}},
-        2,
+        {{"ask", "EXPRESSION", "the question with names, in place of FormulaFile"},
+         {"ascii", "", "write the text form of the format (.aag), not the binary one"}},
+        1,
         2};
     const CommandLine line(command, argc, argv);
+    line.expect(line.has("ask") ? 1 : 2);
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));
-    Circuit circuit = reachability(model, readAskedFormula(model, inputName(line.operands[1])));
+    Circuit circuit = reachability(model, askedQuestion(model, names, line).condition);
     nameSymbols(circuit, model, names);
     showAIGER(std::cout, circuit, line.has("ascii"));
     return finished(0);

@@ -11,6 +11,7 @@
 #include "names.h"
 #include "path.h"
 #include "pathlength.h"
+#include "question.h"
 #include "report.h"
 #include "sidefile.h"
 #include "transitions.h"
@@ -25,7 +26,7 @@ namespace {
 
 const Command command{
     "tervoxal-path",
-    "NetworkFile FormulaFile [PathLen [SolverOutput]]",
+    "NetworkFile [FormulaFile] [PathLen [SolverOutput]]",
     "Tells the path that a SAT solver found in the clauses of\n"
     "'tervoxal NetworkFile FormulaFile PathLen', replayed on the network. SolverOutput is what "
     "the\n"
@@ -39,6 +40,7 @@ const Command command{
     "The exit status is 10 for a path, 20 if the solver says that there is none, 0 if the solver\n"
     "gave no answer, and 1 if anything is refused.\n",
     {{"witness", "FILE", "the AIGER witness of a model checker; - is standard input"},
+     {"ask", "EXPRESSION", "with --witness, the question in place of FormulaFile"},
      {"format", "FORMAT",
       "text (the default): a block for each step;\n"
       "json: an object for other programs;\n"
@@ -47,7 +49,7 @@ const Command command{
      {"all", "",
       "with dot, draw all automata; by default those that take part in a step or that\n"
       "the formula speaks of"}},
-    2,
+    1,
     4};
 
 /// A path of a solver, or the status where it tells none.
@@ -74,8 +76,16 @@ int withoutPath(Answer::Verdict verdict, const std::string& who, const std::stri
     return 20;
 }
 
+/// What a run asks, which takes a temporal operator.
+Question runQuestion(NetTimedModel& model, const std::string& formula) {
+    model.readFormula(formula);
+    if (model.form->temporalLength() > 0) {
+        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
+    }
+    return {formula, formula, conditionOf(*model.form)};
+}
+
 Found solverPath(const CommandLine& line, const NetTimedModel& model) {
-    if (line.operands.size() < 3) line.misused("missing operand");
     const std::string& pathLen = line.operands[2];
     const int k = pathLength(pathLen);
     if (k <= 0) error("Length of path should be > 0");
@@ -88,7 +98,6 @@ Found solverPath(const CommandLine& line, const NetTimedModel& model) {
 }
 
 Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
-    if (line.operands.size() > 2) line.misused("extra operand '" + line.operands[2] + "'");
     const CircuitShape shape{Choices(model).bits, static_cast<std::size_t>(model.totalNrVertBits)};
     const Witness witness =
         answerIn(line.value("witness", ""), [&](std::istream& in, const std::string& name) {
@@ -108,23 +117,22 @@ int main(int argc, char* argv[]) {
     const std::string format = line.value("format", "text");
     const Show show = showOf(format);
     if (show == nullptr) line.misused("unknown format '" + format + "'");
+    const bool witness = line.has("witness");
+    if (line.has("ask") && !witness) line.misused("--ask needs --witness");
+    if (witness || line.operands.size() < 3) line.expect(line.has("ask") ? 1 : witness ? 2 : 3);
     const std::string network = inputName(line.operands[0]);
-    const std::string formula = inputName(line.operands[1]);
 
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, network);
-    model.readFormula(formula);
-    if (model.form->temporalLength() > 0) {
-        std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
-    }
-    const Condition condition = conditionOf(*model.form);
-    const Found found = line.has("witness") ? witnessPath(line, model) : solverPath(line, model);
+    const Question asked = witness ? askedQuestion(model, names, line)
+                                   : runQuestion(model, inputName(line.operands[1]));
+    const Found found = witness ? witnessPath(line, model) : solverPath(line, model);
     if (found.status != 10) return finished(found.status);
 
     const Transitions transitions(model);
-    const Walk walk(transitions, found.path, condition);
+    const Walk walk(transitions, found.path, asked.condition);
     replay(walk, names);
-    show(std::cout, {walk, names, network, formula, line.has("all")});
+    show(std::cout, {walk, names, network, asked.text, line.has("all")});
     return finished(10);
 }

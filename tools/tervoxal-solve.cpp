@@ -1,8 +1,8 @@
 // The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
 #include "answers.h"
-#include "askedformula.h"
 #include "command.h"
+#include "fatal.h"
 #include "filenames.h"
 #include "names.h"
 #include "pathlength.h"
@@ -16,9 +16,11 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
@@ -99,12 +101,10 @@ Call::Call(const CommandLine& line) {
 
 std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& model,
                                   const Names& names) {
-    if (line.has("ask")) return {expressionQuestion(model, names, line.value("ask", ""))};
     if (line.has("deadlock")) return {expressionQuestion(model, names, "deadlock")};
     if (line.has("actions")) return actionQuestions(model, names);
     if (line.has("questions")) return readQuestions(model, names, line.value("questions", ""));
-    const std::string formula = inputName(line.operands[1]);
-    return {{formula, formula, readAskedFormula(model, formula)}};
+    return {askedQuestion(model, names, line)};
 }
 
 /// Shows the one answer, with what is to say of it on standard error.
@@ -117,16 +117,22 @@ void show(const Call& call, const Answers& answers) {
 }
 
 void showMany(const CommandLine& line, const Call& call, const Answers& answers) {
-    if (line.has("paths")) {
-        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
-                           call.show);
-    }
     if (call.format == "json") {
         answers.showJson(std::cout);
     } else {
         std::cout << '\n';
         answers.showTable(std::cout);
     }
+    if (line.has("paths")) {
+        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
+                           call.show);
+    }
+}
+
+void makeDirectory(const std::string& name) {
+    std::error_code problem;
+    std::filesystem::create_directories(name, problem);
+    if (problem) error("cannot make " + name + ": " + problem.message());
 }
 
 } // namespace
@@ -144,7 +150,9 @@ int main(int argc, char* argv[]) {
     std::vector<Condition> conditions;
     for (const Question& question : call.asked.questions) conditions.push_back(question.condition);
 
-    Progress progress(call.asked, call.many && call.format != "json");
+    if (line.has("paths")) makeDirectory(line.value("paths", ""));
+    std::ostream& table = call.format == "json" ? std::cerr : std::cout;
+    Progress progress(call.asked, call.many ? &table : nullptr);
     const Answers* known = nullptr;
     const Search* running = nullptr;
     Search::Listener listener;

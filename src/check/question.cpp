@@ -1,6 +1,8 @@
 #include "question.h"
 
+#include "askedformula.h"
 #include "fatal.h"
+#include "filenames.h"
 #include "findings.h"
 #include "formulacheck.h"
 #include "lines.h"
@@ -49,6 +51,12 @@ Question expressionQuestion(const NetTimedModel& model, const Names& names,
     auto [condition, warnings] = Asker(model, names).ask(text, "");
     for (const std::string& warning : warnings) std::cerr << "warning: " << warning << '\n';
     return {text, text, std::move(condition)};
+}
+
+Question askedQuestion(const NetTimedModel& model, const Names& names, const CommandLine& line) {
+    if (line.has("ask")) return expressionQuestion(model, names, line.value("ask", ""));
+    const std::string formula = inputName(line.operands[1]);
+    return {formula, formula, readAskedFormula(model, formula)};
 }
 
 std::vector<Question> readQuestions(const NetTimedModel& model, const Names& names,

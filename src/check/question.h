@@ -1,7 +1,8 @@
-// What a command is asked about the states of a network, by expressions.
+// What a command is asked about the states of a network.
 
 #pragma once
 
+#include "command.h"
 #include "condition.h"
 #include "names.h"
 
@@ -10,7 +11,7 @@
 
 struct Question {
     std::string name; // not empty; in a list, that of no other question
-    std::string text; // the expression
+    std::string text; // the expression, or the name of the formula file
     Condition condition;
 };
 
@@ -19,6 +20,11 @@ struct Question {
 /// Ends the process like expressionOf.
 [[nodiscard]] Question expressionQuestion(const NetTimedModel& model, const Names& names,
                                           const std::string& text);
+
+/// The one question of a call that has an option --ask: its expression, or else the formula file
+/// that the second operand names, as readAskedFormula reads it.
+[[nodiscard]] Question askedQuestion(const NetTimedModel& model, const Names& names,
+                                     const CommandLine& line);
 
 /// The questions of a file: `NAME: EXPRESSION` in each significant line that is not blank. What can
 /// hardly be meant is told likewise, with the line. Ends the process with status 1 and one line on

@@ -6,11 +6,9 @@
 #include "walk.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace {
@@ -108,9 +106,6 @@ void Answers::showPath(std::ostream& out, std::size_t question, Show show) const
 }
 
 void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
-    std::error_code problem;
-    std::filesystem::create_directories(directory, problem);
-    if (problem) error("cannot make " + directory + ": " + problem.message());
     FileNames fileNames;
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
         const std::string file =

@@ -44,10 +44,10 @@ public:
     void showJson(std::ostream& out) const;
     /// The path that is the answer to a question. Ends the process like replay.
     void showPath(std::ostream& out, std::size_t question, Show show) const;
-    /// Writes each path into the directory, which is made where it is missing, as a file with the
-    /// name of its question. A slash, a control character and a dot at the front become "_", and a
-    /// name that another file has gets the number of the question. Ends the process with status 1
-    /// and one line on standard error where a file cannot be written, and like replay.
+    /// Writes each path into the directory, as a file with the name of its question. A slash, a
+    /// control character and a dot at the front become "_", and a name that another file has gets
+    /// the number of the question. Ends the process with status 1 and one line on standard error
+    /// where a file cannot be written, and like replay.
     void writePaths(const std::string& directory, const std::string& suffix, Show show) const;
 
 private:

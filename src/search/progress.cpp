@@ -8,7 +8,7 @@
 #include <numeric>
 #include <unistd.h>
 
-Progress::Progress(const Answers::Asked& asked, bool table)
+Progress::Progress(const Answers::Asked& asked, std::ostream* table)
     : asked(asked), table(table), moving(isatty(STDERR_FILENO) == 1), open(asked.questions.size()) {
     std::iota(open.begin(), open.end(), 0U);
 }
@@ -22,7 +22,7 @@ void Progress::refuted(const Search& search, const Answers& answers) {
         to = std::min(to, finding.refuted);
         if (!search.settled(finding)) {
             rest.push_back(q);
-        } else if (table) {
+        } else if (table != nullptr) {
             tell(answers.line(q));
         }
     }
@@ -35,7 +35,7 @@ void Progress::refuted(const Search& search, const Answers& answers) {
 
 void Progress::found(const Search& search, const Answers& answers, const Finding& finding) {
     const auto question = static_cast<std::size_t>(&finding - search.findings().data());
-    if (!table) {
+    if (table == nullptr) {
         end();
         say("a path of " + steps(finding.length()) + ", " + shown(Clock::now() - begin));
         end();
@@ -46,7 +46,7 @@ void Progress::found(const Search& search, const Answers& answers, const Finding
 
 void Progress::tell(const std::string& line) {
     end();
-    std::cout << line << std::endl;
+    *table << line << std::endl;
 }
 
 void Progress::say(const std::string& text) {

@@ -1,6 +1,6 @@
 // What a search tells as it goes: lines on standard error about lengths and paths, and the verdicts
-// of a table, as they are known, on standard output. On a terminal the lines about what is refuted
-// are one line that changes.
+// of a table as they are known. On a terminal the lines about what is refuted are one line that
+// changes.
 
 #pragma once
 
@@ -8,13 +8,15 @@
 
 #include <chrono>
 #include <cstddef>
+#include <ostream>
 #include <string>
 #include <vector>
 
 class Progress {
 public:
-    /// The time begins. With a table, verdicts are told.
-    Progress(const Answers::Asked& asked, bool table);
+    /// The time begins. The verdicts on many questions go to the table; of one question, for which
+    /// it is null, the lengths of the paths are told.
+    Progress(const Answers::Asked& asked, std::ostream* table);
 
     /// Told by the search, which the answers are about.
     void refuted(const Search& search, const Answers& answers);
@@ -29,7 +31,7 @@ private:
     void tell(const std::string& line);
 
     const Answers::Asked& asked;
-    bool table;
+    std::ostream* table;
     Clock::time_point begin = Clock::now();
     bool moving;
     bool lineOpen = false;

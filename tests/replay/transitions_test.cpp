@@ -3,7 +3,7 @@
 #include "path.h"
 #include "plain.h"
 #include "property.h"
-#include "question.h"
+#include "randomquestion.h"
 
 #include <map>
 
@@ -129,7 +129,7 @@ TEST(Property, answersExpressionsInEveryState) {
     std::size_t met = 0;
     forNetworks(4, [&](const NetTimedModel& model, Random& random, const std::string&) {
         if (model.nrOfAutomata == 0) return;
-        const Question question = randomQuestion(model, random, 3);
+        const RandomQuestion question = randomQuestion(model, random, 3);
         const Expression e = expressionOf(question.text, vocabularyOf(model, namesOf(model)));
         SCOPED_TRACE(question.text);
         Property property(model, e.condition);

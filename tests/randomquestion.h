@@ -10,7 +10,7 @@
 #include <functional>
 #include <string>
 
-struct Question {
+struct RandomQuestion {
     std::string text;
     std::function<bool(const State&)> holds;
 };
@@ -26,15 +26,15 @@ inline Names namesOf(const NetTimedModel& model) {
 }
 
 /// An expression with the names of namesOf; there is an automaton.
-inline Question randomQuestion(const NetTimedModel& model, Random& random, int depth) {
+inline RandomQuestion randomQuestion(const NetTimedModel& model, Random& random, int depth) {
     const auto possible = [&model](const State& s) {
         return [&model, s](const auto& entry) { return isPossible(model, s, entry.first); };
     };
     if (depth > 0 && random() % 7 < 3) {
-        const Question q = randomQuestion(model, random, depth - 1);
+        const RandomQuestion q = randomQuestion(model, random, depth - 1);
         if (random() % 3 == 0)
             return {"!(" + q.text + ')', [q](const State& s) { return !q.holds(s); }};
-        const Question r = randomQuestion(model, random, depth - 1);
+        const RandomQuestion r = randomQuestion(model, random, depth - 1);
         const bool implies = random() % 2 == 0;
         return {'(' + q.text + (implies ? " -> " : " & ") + r.text + ')', [=](const State& s) {
                     return implies ? !q.holds(s) || r.holds(s) : q.holds(s) && r.holds(s);
