@@ -10,13 +10,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string onPathUnderAName() {
-    for (const char* const name : {"berkeley-abc", "yosys-abc", "abc"}) {
-        if (std::string file = onPath(name); !file.empty()) return file;
-    }
-    return "";
-}
-
 /// What a file holds, nothing if it is missing.
 std::string textOf(const fs::path& file) {
     std::ifstream in(file, std::ios::binary);
@@ -25,9 +18,15 @@ std::string textOf(const fs::path& file) {
 
 } // namespace
 
+std::string modelCheckerFile() {
+    for (const char* const name : {"berkeley-abc", "yosys-abc", "abc"}) {
+        if (std::string file = onPath(name); !file.empty()) return file;
+    }
+    return "";
+}
+
 ModelChecker::ModelChecker(Children& children, const Circuit& circuit, std::chrono::seconds limit)
-    : children(children), limit(limit), file(onPathUnderAName()),
-      directory(temporaryPlace(), "tervoxal-solve") {
+    : children(children), limit(limit), directory(temporaryPlace(), "tervoxal-solve") {
     if (file.empty()) {
         problem = "no model checker on the path: install the package berkeley-abc or yosys-abc";
         return;

@@ -22,11 +22,14 @@ struct Proof {
     std::string text;
 };
 
+/// The absolute file of the first on the path of berkeley-abc, yosys-abc and abc, which are names
+/// of one program; empty if there is none.
+[[nodiscard]] std::string modelCheckerFile();
+
 class ModelChecker {
 public:
     /// Begins with a circuit, which has to be without names, since the invariant could not tell
-    /// them. The model checker is the first on the path of berkeley-abc, yosys-abc and abc, which
-    /// are names of one program. The children must outlive it.
+    /// them. The children must outlive it.
     ModelChecker(Children& children, const Circuit& circuit, std::chrono::seconds limit);
     /// Ends the model checker if it is still at work, and removes its files.
     ~ModelChecker();
@@ -46,7 +49,7 @@ private:
     Children& children;
     const std::chrono::seconds limit;
     const Clock::time_point begin = Clock::now();
-    const std::string file; // empty if there is none
+    const std::string file = modelCheckerFile();
     const TemporaryDirectory directory;
     std::string problem; // why it was not started
     pid_t child = 0;

@@ -1,9 +1,7 @@
 #include "prover.h"
 
-#include "certificate.h"
 #include "choices.h"
 #include "fatal.h"
-#include "invariant.h"
 #include "outputfile.h"
 #include "reachability.h"
 #include "transitions.h"
@@ -19,7 +17,8 @@ namespace {
 
 constexpr std::chrono::milliseconds interval(10);
 
-/// What a model checker says of latches, said of automata.
+} // namespace
+
 Certificate certificateOf(const NetTimedModel& model, const std::vector<Cube>& cubes) {
     std::vector<uint> automatonOf; // of each latch
     for (uint a = 1; a < model.nrOfBits.size(); ++a) {
@@ -42,8 +41,6 @@ Certificate certificateOf(const NetTimedModel& model, const std::vector<Cube>& c
     }
     return certificate;
 }
-
-} // namespace
 
 Prover::Prover(Search& search, const Names& names, Setting setting)
     : search(search), model(search.networkTables().model), names(names),

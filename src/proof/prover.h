@@ -11,6 +11,8 @@
 
 #pragma once
 
+#include "certificate.h"
+#include "invariant.h"
 #include "modelchecker.h"
 #include "names.h"
 #include "search.h"
@@ -21,6 +23,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
+
+/// What a model checker says of latches, said of the automata whose bits they are.
+[[nodiscard]] Certificate certificateOf(const NetTimedModel& model, const std::vector<Cube>& cubes);
 
 class Prover {
 public:
