@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # bash completion of tervoxal and its companions: options as --help tells them, networks and formulas
-# by their names without ".in".
+# by their names without ".in", behind --ask= the propositions of a network that is already there.
 
 _tervoxal() {
     local command=$1 word=$2 option=$3
@@ -15,9 +15,16 @@ _tervoxal() {
     case $option in
     --format) mapfile -t COMPREPLY < <(compgen -W $'text\njson\nvcd\ndot' -- "$word") ;;
     --solver) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
-    --witness) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-    --keep) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    --from | --jobs | --prove-time) ;;
+    --ask)
+        names=$(for network in "${COMP_WORDS[@]}"; do
+            [ ! -f "$network.in" ] || sed -nE \
+                '/^valuation/,/^end/s/^[0-9 ]+([^] !&|()"0-9][^ !&|()"]*)$/\1/p' "$network.in"
+        done)
+        mapfile -t COMPREPLY < <(compgen -W "$names" -- "$word")
+        ;;
+    --witness | --questions | --certificate) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    --keep | --paths) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    --from | --jobs | --time | --prove-time | --bound) ;;
     *)
         if [[ $word == -* ]]; then
             names=$("$command" --help 2>/dev/null | grep -oE '^  --[a-z-]+=?')
