@@ -134,17 +134,17 @@ const TripleMap::Map& TripleMap::all() const {
 bool BoolForm::isNeg(const BoolForm& f) const { return f == neg(*this); }
 
 BoolForm neg(const BoolForm& a) {
-    if (isTrue(a)) return BoolForm(false);
-    if (isFalse(a)) return BoolForm(true);
+    if (isTrue(a)) return false;
+    if (isFalse(a)) return true;
     return formula(-a.nr);
 }
 
 BoolForm con(const BoolForm& a, const BoolForm& b) {
     if (isTrue(a)) return b;
-    if (isFalse(a) || isFalse(b)) return BoolForm(false);
+    if (isFalse(a) || isFalse(b)) return false;
     if (isTrue(b)) return a;
     if (a == b) return a;
-    if (a.nr == -b.nr) return BoolForm(false);
+    if (a.nr == -b.nr) return false;
     return a.nr < b.nr ? BoolForm(a, b, bfCon) : BoolForm(b, a, bfCon);
 }
 
@@ -155,8 +155,8 @@ BoolForm equ(const BoolForm& a, const BoolForm& b) {
     if (isFalse(a)) return neg(b);
     if (isFalse(b)) return neg(a);
     if (isTrue(b)) return a;
-    if (a == b) return BoolForm(true);
-    if (a.nr == -b.nr) return BoolForm(false);
+    if (a == b) return true;
+    if (a.nr == -b.nr) return false;
     const int x = std::abs(a.nr);
     const int y = std::abs(b.nr);
     const BoolForm node(formula(std::min(x, y)), formula(std::max(x, y)), bfEqu);

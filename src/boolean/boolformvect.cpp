@@ -161,7 +161,7 @@ BoolForm eq(const BoolFormVect& a, unsigned int c) {
 }
 
 BoolForm lt(const BoolFormVect& a, unsigned int c) {
-    if (c == 0) return BoolForm(false);
+    if (c == 0) return false;
     int i = 0;
     while (!bitOf(c, i)) ++i;
     // r says that a up to bit i is less than c up to bit i

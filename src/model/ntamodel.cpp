@@ -51,7 +51,7 @@ BoolFormVect NetTimedModel::bev(int value, int shift) const {
 }
 
 BoolForm NetTimedModel::actionSucc(int /*step*/, const SymState& s1, const SymState& s2) const {
-    if (actionAutomata.empty()) return BoolForm(false);
+    if (actionAutomata.empty()) return false;
     for (const SymState* s : {&s2, &s1}) (void)bef(0, 0, s->loc); // true, or its assertion
     return Step(*this).formula(s1, s2);
 }

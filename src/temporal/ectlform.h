@@ -63,9 +63,9 @@ public:
 
     [[nodiscard]] EctlOper getOp() const { return op; }
     /// The first operand, parsed anew; of a leaf the leaf itself.
-    [[nodiscard]] EctlForm getLeft() const { return EctlForm(left); }
+    [[nodiscard]] EctlForm getLeft() const { return left; }
     /// The second operand, parsed anew; the empty formula where there is none.
-    [[nodiscard]] EctlForm getRight() const { return EctlForm(right); }
+    [[nodiscard]] EctlForm getRight() const { return right; }
     /// The number of a proposition or its negation, else 0.
     [[nodiscard]] int getVarNr() const;
     /// The formula in postfix notation.

@@ -8,7 +8,7 @@
 
 std::string fileText(const std::string& name) {
     std::ifstream in = openInput(name);
-    const std::string text = wholeText(in);
+    std::string text = wholeText(in);
     refuseUnread(in, name);
     return text;
 }

@@ -37,7 +37,7 @@ BoolForm Evaluation::value(const SymState& state) {
         Evaluation& of;
         const SymState& state;
 
-        static BoolForm constant(bool value) { return BoolForm(value); }
+        static BoolForm constant(bool value) { return value; }
         [[nodiscard]] BoolForm atom(const Condition::Token& token) const {
             std::optional<BoolForm>& atom = of.built[token.number];
             if (atom) return *atom;

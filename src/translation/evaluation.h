@@ -19,7 +19,7 @@ class Evaluation {
 public:
     /// The model has a layout of states and outlives this. The atoms are propositions and
     /// locations.
-    Evaluation(const NetTimedModel& model, Condition condition);
+    Evaluation(const NetTimedModel& model, Condition asked);
 
     /// The condition in the state. Precondition, asserted for each location looked at: the state
     /// has the bits of the model.

@@ -10,7 +10,7 @@ using Formulas = std::vector<BoolForm>;
 
 /// The formulas joined by pairs, then the pairs likewise: their depth grows with the logarithm.
 BoolForm joined(Formulas all, bool ofNone, BoolForm (*join)(const BoolForm&, const BoolForm&)) {
-    if (all.empty()) return BoolForm(ofNone);
+    if (all.empty()) return ofNone;
     while (all.size() > 1) {
         Formulas pairs;
         for (std::size_t i = 1; i < all.size(); i += 2) pairs.push_back(join(all[i - 1], all[i]));
@@ -25,7 +25,7 @@ BoolForm every(Formulas all) { return joined(std::move(all), true, con); }
 
 /// The variables from first upward hold the number, as far as they go.
 BoolForm decoded(int first, int width, uint number) {
-    if (width == 0) return BoolForm(true);
+    if (width == 0) return true;
     if (width == 1) return (number & 1U) != 0 ? BoolForm(first) : neg(BoolForm(first));
     const int low = width / 2;
     const BoolForm lower = decoded(first, low, number);
@@ -48,7 +48,7 @@ int TransitionFunction::variableOfChoice(std::size_t bit) const {
 
 BoolForm TransitionFunction::at(uint automaton, uint location) const {
     const Tables::Place place = tables.place(automaton, location);
-    if (!place.location) return BoolForm(place.always);
+    if (!place.location) return place.always;
     const auto first = static_cast<std::size_t>(model.bitShift[automaton]);
     return decoded(variableOfState(first), model.nrOfBits[automaton], location);
 }
@@ -119,7 +119,7 @@ void TransitionFunction::append(std::vector<BoolForm>& bits, uint automaton,
 
 BoolForm TransitionFunction::enabled(uint action) const {
     const auto owners = model.actionAutomata.find(action);
-    if (owners == model.actionAutomata.end()) return BoolForm(false);
+    if (owners == model.actionAutomata.end()) return false;
     Formulas possible;
     for (const uint a : owners->second) {
         Formulas sources;
@@ -168,7 +168,7 @@ struct TransitionFunction::Atoms {
         }
         return every(std::move(none));
     }
-    static BoolForm constant(bool value) { return BoolForm(value); }
+    static BoolForm constant(bool value) { return value; }
     static BoolForm negation(const BoolForm& a) { return neg(a); }
     static BoolForm conjunction(const BoolForm& a, const BoolForm& b) { return con(a, b); }
     static BoolForm disjunction(const BoolForm& a, const BoolForm& b) { return dis(a, b); }
