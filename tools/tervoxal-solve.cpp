@@ -158,6 +158,7 @@ int main(int argc, char* argv[]) {
     Search::Listener listener;
     listener.refuted = [&] { progress.refuted(*running, *known); };
     listener.found = [&](const Finding& finding) { progress.found(*running, *known, finding); };
+    listener.proved = [&](const Finding& finding) { progress.proved(*running, *known, finding); };
     std::optional<Prover> prover;
     const auto late = [&] { return call.seconds > 0 && Clock::now() >= deadline; };
     if (call.seconds > 0 || call.prove) {

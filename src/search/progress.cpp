@@ -8,6 +8,14 @@
 #include <numeric>
 #include <unistd.h>
 
+namespace {
+
+std::size_t indexOf(const Search& search, const Finding& finding) {
+    return static_cast<std::size_t>(&finding - search.findings().data());
+}
+
+} // namespace
+
 Progress::Progress(const Answers::Asked& asked, std::ostream* table)
     : asked(asked), table(table), moving(isatty(STDERR_FILENO) == 1), open(asked.questions.size()) {
     std::iota(open.begin(), open.end(), 0U);
@@ -34,7 +42,7 @@ void Progress::refuted(const Search& search, const Answers& answers) {
 }
 
 void Progress::found(const Search& search, const Answers& answers, const Finding& finding) {
-    const auto question = static_cast<std::size_t>(&finding - search.findings().data());
+    const std::size_t question = indexOf(search, finding);
     if (table == nullptr) {
         end();
         say("a path of " + steps(finding.length()) + ", " + shown(Clock::now() - begin));
@@ -42,6 +50,13 @@ void Progress::found(const Search& search, const Answers& answers, const Finding
     } else if (search.settled(finding) && std::erase(open, question) > 0) {
         tell(answers.line(question));
     }
+}
+
+/// Told again where all lengths of the range were refuted before.
+void Progress::proved(const Search& search, const Answers& answers, const Finding& finding) {
+    const std::size_t question = indexOf(search, finding);
+    std::erase(open, question);
+    if (table != nullptr) tell(answers.line(question));
 }
 
 void Progress::tell(const std::string& line) {

@@ -21,6 +21,7 @@ public:
     /// Told by the search, which the answers are about.
     void refuted(const Search& search, const Answers& answers);
     void found(const Search& search, const Answers& answers, const Finding& finding);
+    void proved(const Search& search, const Answers& answers, const Finding& finding);
     /// Closes the line that changes.
     void end();
 

@@ -167,7 +167,7 @@ void Search::offer(std::size_t question, Run path) {
 void Search::exclude(std::size_t question) {
     all[question].never = true;
     all[question].proved = true;
-    listener.refuted();
+    listener.proved(all[question]);
 }
 
 void Search::run() {

@@ -38,6 +38,7 @@ public:
     struct Listener {
         std::function<void()> refuted = [] {}; // a longer length for some
         std::function<void(const Finding&)> found = [](const Finding&) {}; // a path or a shorter one
+        std::function<void(const Finding&)> proved = [](const Finding&) {}; // by exclude
         std::function<bool()> stop; // asked often: whether to end ahead of the answer; may be empty
     };
 
