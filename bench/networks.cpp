@@ -19,7 +19,8 @@ namespace {
 
 using Params = std::vector<long>;
 
-// The largest action number of any family is below 20 times a parameter, and has to be an int.
+// The largest action number of any family is below 20 times a parameter, or its square where the
+// network grows so as well, and has to be an int.
 constexpr long maxParam = 100000000;
 
 unsigned int number(long n) { return static_cast<unsigned int>(n); }
@@ -230,6 +231,111 @@ std::string valuation(const Params& params, NetworkWriter& net) {
     return "p1p2+";
 }
 
+// Disks on three pegs, each an automaton. To move one, all smaller ones have to be on the third
+// peg. The tower is on the last peg after 2^N - 1 moves, no two of which are independent.
+std::string towers(const Params& params, NetworkWriter& net) {
+    std::string formula;
+    for (long d = 1; d <= params[0]; ++d) {
+        heading(net, d, 3);
+        for (long moved = d; moved <= params[0]; ++moved) {
+            for (long from = 0; from < 3; ++from) {
+                for (long to = 0; to < 3; ++to) {
+                    const long third = 3 - from - to;
+                    const bool own = moved == d;
+                    if (from == to) continue;
+                    transition(net, own ? from : third, own ? to : third,
+                               10 * moved + 3 * from + to);
+                }
+            }
+        }
+        net.valuation();
+        value(net, 2, {d});
+        net.endAutomaton();
+        formula += prop(d) + (d > 1 ? "&" : "");
+    }
+    return formula;
+}
+
+// Trains on a line of track with a siding in its middle. A piece of track, an automaton, is free or
+// taken, and a move is one of a train and of two pieces. They start in a row behind the left end,
+// and end in the opposite order: long ways, and back, on which most can move at once.
+std::string shunting(const Params& params, NetworkWriter& net) {
+    const long trains = params[0];
+    const long line = 2 * trains;
+    const long pieces = line + 1; // the last one is the siding
+    const auto follows = [&](long from, long to) {
+        const long most = std::max(from, to);
+        const long least = std::min(from, to);
+        return most == line ? least == trains : most == least + 1;
+    };
+    const auto action = [&](long train, long from, long to) {
+        return 4 * (train * pieces + from) + (to == line ? 2 : to > from || from == line ? 1 : 0);
+    };
+    std::string formula;
+    for (long t = 0; t < trains; ++t) {
+        heading(net, t + 1, pieces);
+        // Locations count from the piece at the start.
+        const auto location = [&](long piece) { return (piece + pieces - t) % pieces; };
+        for (long from = 0; from < pieces; ++from) {
+            for (long to = 0; to < pieces; ++to) {
+                if (!follows(from, to)) continue;
+                transition(net, location(from), location(to), action(t, from, to));
+            }
+        }
+        net.valuation();
+        value(net, location(trains - 1 - t), {t + 1});
+        net.endAutomaton();
+        formula += prop(t + 1) + (t > 0 ? "&" : "");
+    }
+    for (long piece = 0; piece < pieces; ++piece) {
+        heading(net, trains + piece + 1, 2);
+        const long taken = piece < trains ? 0 : 1;
+        for (long t = 0; t < trains; ++t) {
+            for (long other = 0; other < pieces; ++other) {
+                if (!follows(piece, other)) continue;
+                transition(net, taken, 1 - taken, action(t, piece, other));
+                transition(net, 1 - taken, taken, action(t, other, piece));
+            }
+        }
+        net.valuation();
+        net.endAutomaton();
+    }
+    return formula;
+}
+
+// A ring of N places on which K tokens go round, and a guest at each place who takes a token along,
+// meets the next guest while that one has a token as well, and puts it back. The question is
+// whether M guests on the other side of the ring, every second one, have met theirs and not put
+// theirs back. Of K tokens that can be K - 1.
+std::string guests(const Params& params, NetworkWriter& net) {
+    const long n = params[0];
+    for (long i = 0; i < n; ++i) {
+        heading(net, 2 * i + 1, 2);
+        const long full = i < params[1] ? 0 : 1;
+        transition(net, full, 1 - full, 4 * i);
+        transition(net, 1 - full, full, 4 * ((i + n - 1) % n));
+        transition(net, full, 1 - full, 4 * i + 1);
+        transition(net, 1 - full, full, 4 * i + 2);
+        net.valuation();
+        net.endAutomaton();
+        heading(net, 2 * i + 2, 3);
+        const long met = 4 * ((i + n - 1) % n) + 3;
+        transition(net, 0, 1, 4 * i + 1);
+        transition(net, 1, 2, 4 * i + 3);
+        transition(net, 2, 0, 4 * i + 2);
+        transition(net, 1, 1, met);
+        transition(net, 2, 2, met);
+        net.valuation();
+        value(net, 2, {i + 1});
+        net.endAutomaton();
+    }
+    std::string formula;
+    for (long j = 0; j < params[2]; ++j) {
+        formula += prop((n / 2 + 2 * j) % n + 1) + (j > 0 ? "&" : "");
+    }
+    return formula;
+}
+
 // A family writes the automata of its network and returns its formula.
 struct Family {
     std::string_view name;
@@ -248,6 +354,9 @@ constexpr Family families[] = {
     {"single", "LT", single, "one automaton of L locations and T transitions"},
     {"own", "N", own, "N automata of two locations, each with its own action"},
     {"valuation", "EP", valuation, "a valuation of E entries over P propositions"},
+    {"towers", "N", towers, "N disks on three pegs, to be moved to the last one"},
+    {"shunting", "T", shunting, "T trains and one siding, to be put in the opposite order"},
+    {"guests", "NKM", guests, "a ring of N guests with K tokens, M of whom are to meet"},
 };
 
 std::string shape(const Family& family) {
