@@ -45,9 +45,10 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "SAT-based bounded model check of networks
 set(CPACK_PACKAGE_DESCRIPTION
 "tervoxal reads a network of automata, a property of its states and a path
 length, and writes clauses that are satisfiable exactly when a path of that
-length meets the property. Its companions run the whole loop with a SAT
-solver, replay and draw the path, check the input, import Petri nets and
-labelled transition systems, and ask model checkers for a proof.")
+length meets the property. Its companions search for the shortest path with a
+SAT solver of their own or with any other, let model checkers prove that there
+is none and check the proof, replay and draw the path, check the input, and
+import Petri nets and labelled transition systems.")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -30,12 +30,13 @@ install() {
 }
 
 # What the builds and runs need (procps has the command free, which a run calls), what the import of
-# nets needs, and what the tests need with it.
+# nets and the search need, and what the tests need with them.
 # shellcheck disable=SC2034 # not each script uses each
 toolchain=('g++=g++' 'cmake=cmake' 'ninja=ninja-build' 'free=procps')
 for_import=('/usr/include/expat.h=libexpat1-dev')
+for_companions=("${for_import[@]}" '/usr/include/cadical.hpp=libcadical-dev')
 # shellcheck disable=SC2034
-for_tests=("${for_import[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
+for_tests=("${for_companions[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
 install_toolchain() { install "${toolchain[@]}"; }
 
 # The model checker ABC, which is the package berkeley-abc up to bookworm and yosys-abc behind it,
