@@ -93,7 +93,7 @@ namespace {
 /// Truth values over atoms.
 template <class Atom>
 struct Truth {
-    const std::vector<Atom>& atoms;
+    explicit Truth(const std::vector<Atom>& atoms) : atoms(atoms) {}
 
     static bool constant(bool value) { return value; }
     [[nodiscard]] bool atom(const Condition::Token& token) const {
@@ -102,12 +102,14 @@ struct Truth {
     static bool negation(bool a) { return !a; }
     static bool conjunction(bool a, bool b) { return a && b; }
     static bool disjunction(bool a, bool b) { return a || b; }
+
+    const std::vector<Atom>& atoms;
 };
 
 } // namespace
 
 bool Property::holds() {
-    if (stale) value = valueOf(condition, Truth{atoms});
+    if (stale) value = valueOf(condition, Truth(atoms));
     stale = false;
     return value;
 }

@@ -56,7 +56,8 @@ struct Net {
         return marking;
     }
     [[nodiscard]] std::string nameOf(uint p) const {
-        return (firstName < 0 ? "x" : "p") + std::to_string(firstName < 0 ? p : firstName - p);
+        return (firstName < 0 ? "x" : "p") +
+               std::to_string(firstName < 0 ? p : static_cast<uint>(firstName) - p);
     }
     /// The propositions of a marking by their names, and the numbers of those of the places.
     [[nodiscard]] std::set<std::string> propsOf(const Marking& marking) const {

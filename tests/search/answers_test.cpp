@@ -57,8 +57,8 @@ TEST(Answers, areThoseOfEachQuestionAloneAndOfTheStates) {
         Answers::Asked asked{readQuestions(model, namesOf(model), dir.path / "questions"), {}, ""};
         (void)testing::internal::GetCapturedStderr();
         asked.range.to = static_cast<int>(random() % 9);
-        asked.range.from =
-            static_cast<int>(random() % 3 == 0 ? random() % (asked.range.to + 1) : 0);
+        asked.range.from = static_cast<int>(
+            random() % 3 == 0 ? random() % static_cast<uint>(asked.range.to + 1) : 0);
         std::vector<std::string> alone;
         for (std::size_t q = 0; q < questions.size(); ++q) {
             alone.push_back(lines(model, {{asked.questions[q]}, asked.range, ""}).front());
