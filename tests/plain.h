@@ -4,6 +4,7 @@
 #pragma once
 
 #include "network.h"
+#include "property.h"
 
 #include <cctype>
 #include <cstddef>
@@ -88,6 +89,13 @@ inline bool meets(const NetTimedModel& model, const State& state, const std::str
         }
     }
     return values.back();
+}
+
+/// Whether the condition holds in the state, which the replay is brought to at one go.
+inline bool holds(const NetTimedModel& model, const Condition& condition, const State& state) {
+    Property property(model, condition);
+    for (uint a = 1; a < state.size(); ++a) property.change({a, 0, state[a]});
+    return property.holds();
 }
 
 /// A state that some action leads to, any of them; the same state where the actions tried lead

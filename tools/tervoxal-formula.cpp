@@ -4,14 +4,16 @@
 #include "expression.h"
 #include "fatal.h"
 #include "filenames.h"
+#include "filetext.h"
+#include "lines.h"
 #include "names.h"
 #include "vocabulary.h"
 
 #include <iostream>
-#include <iterator>
 #include <string>
 
 int main(int argc, char* argv[]) {
+    std::ios::sync_with_stdio(false); // synchronised, std::cin takes a read error for the end
     const Command command{
         "tervoxal-formula",
         "NetworkFile EXPRESSION",
@@ -38,7 +40,8 @@ int main(int argc, char* argv[]) {
     const CommandLine line(command, argc, argv);
     std::string expression = line.operands[1];
     if (expression == "-") {
-        expression.assign(std::istreambuf_iterator<char>(std::cin), {});
+        expression = wholeText(std::cin);
+        refuseUnread(std::cin, "standard input");
     }
 
     NetTimedModel model;

@@ -1,6 +1,7 @@
 #include "witness.h"
 
 #include "fatal.h"
+#include "lines.h"
 #include "readable.h"
 #include "scanner.h"
 
@@ -63,7 +64,7 @@ private:
             ended = text == "." || mark != std::string::npos;
             if (text != ".") lines.push_back({line.number, std::string(text)});
         }
-        if (in.bad()) error(name + ": cannot be read");
+        refuseUnread(in, name);
     }
 
     [[nodiscard]] Verdict verdictOf(const Line& line) const {

@@ -55,9 +55,8 @@ private:
         if (formula == BoolForm::trueNr) return 1;
         if (formula == 0) return 0;
         const int nr = std::abs(formula);
-        const Literal positive = nr > BoolForm::maxVariable
-                                     ? ofNode[indexOf(nr)]
-                                     : ofVariable.at(static_cast<std::size_t>(nr));
+        const Literal positive = BoolForm::isNode(nr) ? ofNode[indexOf(nr)]
+                                                      : ofVariable.at(static_cast<std::size_t>(nr));
         return formula < 0 ? negated(positive) : positive;
     }
 

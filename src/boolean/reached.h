@@ -10,7 +10,7 @@
 #include <vector>
 
 /// One bit for each node from the first of the store to the last that the formulas reach. Calls use
-/// with the triple of each, later nodes first. Linear in the number of bits.
+/// with the triple of each node reached, later nodes first. Linear in the number of bits.
 template <class Use>
 [[nodiscard]] std::vector<bool> reachedNodes(const std::vector<BoolForm>& formulas, Use&& use) {
     constexpr int none = BoolForm::maxVariable;

@@ -221,7 +221,7 @@ void Reader::read() {
         if (piece == nullptr) error(*file + ": " + XML_ErrorString(XML_ERROR_NO_MEMORY));
         in.read(static_cast<char*>(piece), pieceSize);
         last = in.eof();
-        if (in.bad() || (in.fail() && !last)) error(*file + ": cannot be read");
+        refuseUnread(in, *file);
         const auto got = static_cast<int>(in.gcount());
         if (XML_ParseBuffer(parser.get(), got, last) != XML_STATUS_OK) {
             const auto column = columnOf(parser.get()) + 1;

@@ -1,6 +1,6 @@
 // How bits choose a step of the network, so that no bits are wrong: what cannot be done is not
-// done, and the state stays as it is. Written by one who asks for a path as inputs of a circuit,
-// and read by one who is told a path in them.
+// done, and the state stays as it is. They are the inputs of the circuit that model checkers get,
+// and the path that a model checker tells is read from them.
 //
 // The bits are fields, one behind the other, each an unsigned number with its lowest bit first:
 //

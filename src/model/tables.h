@@ -8,9 +8,9 @@
 //
 // What a run may come to is found as if the automata were alone: an action is taken when each of
 // its participants has come to one of the sources of its moves, by whatever way. The round in which
-// a location or an action is found is its layer. Location l is in no state of the first layer of l
-// positions but those from its layer on, and an action is not possible ahead of its layer, even
-// where a step is many actions, as long as no automaton moves twice in it.
+// a location or an action is found is its layer: no run comes to the location, or can take the
+// action, at an earlier position. That holds as well where a step is many actions, as long as no
+// automaton moves twice in it.
 //
 // For examples/two, whose automata have the locations 0, 1 and 0, 1, 2:
 //
@@ -73,7 +73,9 @@ public:
     [[nodiscard]] uint participantsBegin(uint x) const {
         return x == 0 ? 0 : actions[x - 1].participantsEnd;
     }
-    [[nodiscard]] uint movesBegin(uint p) const { return p == 0 ? 0 : participants[p - 1].movesEnd; }
+    [[nodiscard]] uint movesBegin(uint p) const {
+        return p == 0 ? 0 : participants[p - 1].movesEnd;
+    }
 
     /// Whether location l of automaton a, numbers of the network, is where the automaton can be:
     /// nowhere, always, or at a location of these tables.

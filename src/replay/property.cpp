@@ -113,9 +113,3 @@ bool Property::holds() {
     stale = false;
     return value;
 }
-
-bool holds(const NetTimedModel& model, const Condition& condition, const State& state) {
-    Property property(model, condition);
-    for (uint a = 1; a < state.size(); ++a) property.change({a, 0, state[a]});
-    return property.holds();
-}

@@ -50,7 +50,3 @@ private:
     bool value = false;
     bool stale = true;
 };
-
-/// Whether the condition holds in the state.
-[[nodiscard]] bool holds(const NetTimedModel& model, const Condition& condition,
-                         const State& state);

@@ -124,7 +124,7 @@ void EctlTransl::checkEctlFormula(std::string name) {
     std::cerr << clauses.size() << '\n';
 
     std::cerr << "Writing down clauses ";
-    OutputFile sideFile(name + sideSuffix); // never beside a clause file that it does not go with
+    OutputFile sideFile(name + sideSuffix); // the old one goes first: it is not of these clauses
     showCNF(clauses, name);
     model.showLCK(k, clauses.maxVariable(), sideFile);
     std::cerr << '\n';

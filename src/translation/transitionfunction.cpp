@@ -37,7 +37,7 @@ BoolForm decoded(int first, int width, uint number) {
 
 TransitionFunction::TransitionFunction(const NetTimedModel& model)
     : model(model), choices(model), tables(model) {
-    assert(static_cast<std::size_t>(model.totalNrVertBits) + choices.bits <= BoolForm::maxVariable);
+    assert(static_cast<std::size_t>(model.totalNrVertBits) + choices.bits <= mostVariables);
 }
 
 int TransitionFunction::variableOfState(std::size_t bit) { return 1 + static_cast<int>(bit); }
