@@ -54,8 +54,9 @@ Raw::Raw(const NetTimedModel& model) {
         participants.push_back(
             {static_cast<uint>(at - actionNumbers.begin()), local.first, &moves, false});
     }
-    std::stable_sort(participants.begin(), participants.end(),
-                     [](const Participant& p, const Participant& q) { return p.action < q.action; });
+    std::stable_sort(
+        participants.begin(), participants.end(),
+        [](const Participant& p, const Participant& q) { return p.action < q.action; });
     participantsBegin.resize(actionNumbers.size() + 1);
     for (const Participant& p : participants) ++participantsBegin[p.action + 1];
     for (std::size_t x = 1; x < participantsBegin.size(); ++x) {
@@ -166,24 +167,37 @@ Tables::Tables(const NetTimedModel& model) : model(model) {
             }
             participants.push_back({automatonAt[p.automaton], static_cast<uint>(moves.size())});
         }
-        actions.push_back({raw.actionNumbers[x], static_cast<uint>(participants.size()),
-                           raw.actionLayer[x]});
+        actions.push_back(
+            {raw.actionNumbers[x], static_cast<uint>(participants.size()), raw.actionLayer[x]});
         lastLayer = std::max(lastLayer, raw.actionLayer[x]);
+    }
+    std::vector<std::pair<uint, NetTimedModel::Location>> values;
+    values.reserve(model.valuation.size());
+    for (const auto& [location, prop] : model.valuation) values.emplace_back(prop, location);
+    std::sort(values.begin(), values.end());
+    for (const auto& [prop, location] : values) {
+        carried.push_back(prop);
+        carrying.push_back(location);
     }
 }
 
-Tables::Place Tables::place(uint a, uint l) const {
+std::optional<uint> Tables::automaton(uint a) const {
     const auto found =
         std::lower_bound(automata.begin(), automata.end(), a,
                          [](const Automaton& x, uint number) { return x.number < number; });
-    if (found == automata.end() || found->number != a) {
+    if (found == automata.end() || found->number != a) return {};
+    return static_cast<uint>(found - automata.begin());
+}
+
+Tables::Place Tables::place(uint a, uint l) const {
+    const auto index = automaton(a);
+    if (!index) {
         const bool there = a >= 1 && static_cast<std::size_t>(a) < model.nrOfBits.size();
         return {there && l == 0, {}};
     }
-    const auto index = static_cast<uint>(found - automata.begin());
-    const auto end = locations.begin() + found->locationsEnd;
+    const auto end = locations.begin() + automata[*index].locationsEnd;
     const auto at =
-        std::lower_bound(locations.begin() + locationsBegin(index), end, l,
+        std::lower_bound(locations.begin() + locationsBegin(*index), end, l,
                          [](const Location& x, uint number) { return x.number < number; });
     if (at == end || at->number != l) return {false, {}};
     return {false, static_cast<uint>(at - locations.begin())};
@@ -195,4 +209,32 @@ std::optional<uint> Tables::action(uint number) const {
                          [](const Action& x, uint wanted) { return x.number < wanted; });
     if (found == actions.end() || found->number != number) return {};
     return static_cast<uint>(found - actions.begin());
+}
+
+std::span<const NetTimedModel::Location> Tables::carriers(uint prop) const {
+    const auto [begin, end] = std::equal_range(carried.begin(), carried.end(), prop);
+    return std::span(carrying).subspan(static_cast<std::size_t>(begin - carried.begin()),
+                                       static_cast<std::size_t>(end - begin));
+}
+
+std::vector<bool> Tables::lookedAt(const Condition& condition) const {
+    using Term = Condition::Term;
+    std::vector<bool> looked(automata.size());
+    const auto look = [&](uint a) {
+        if (const auto index = automaton(a)) looked[*index] = true;
+    };
+    for (const Condition::Token& token : condition.tokens) {
+        if (token.term == Term::deadlock) looked.assign(looked.size(), true);
+        if (token.term == Term::at) look(token.number);
+        if (token.term == Term::prop) {
+            for (const auto& [a, l] : carriers(token.number)) look(a);
+        }
+        if (token.term != Term::enabled) continue;
+        const auto x = action(token.number);
+        if (!x) continue;
+        for (uint p = participantsBegin(*x); p < actions[*x].participantsEnd; ++p) {
+            looked[participants[p].automaton] = true;
+        }
+    }
+    return looked;
 }

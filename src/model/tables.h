@@ -21,6 +21,7 @@
 
 #pragma once
 
+#include "condition.h"
 #include "ntamodel.h"
 
 #include <cstddef>
@@ -86,4 +87,14 @@ public:
     [[nodiscard]] Place place(uint a, uint l) const;
     /// The index of an action of the network, if some run may take it.
     [[nodiscard]] std::optional<uint> action(uint number) const;
+    /// Where a proposition is carried, in numbers of the network.
+    [[nodiscard]] std::span<const NetTimedModel::Location> carriers(uint prop) const;
+    /// The automata of which the truth of a condition depends.
+    [[nodiscard]] std::vector<bool> lookedAt(const Condition& condition) const;
+
+private:
+    [[nodiscard]] std::optional<uint> automaton(uint a) const;
+
+    std::vector<uint> carried; // the propositions of all locations, sorted
+    std::vector<NetTimedModel::Location> carrying;
 };

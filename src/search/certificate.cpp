@@ -15,24 +15,11 @@ namespace {
 /// A certificate in an unrolling.
 class Checked {
 public:
-    Checked(const Tables& tables, const Certificate& certificate, Says without)
+    /// From the initial state, or else from any.
+    Checked(const Tables& tables, const Certificate& certificate, bool initial)
         : tables(tables), certificate(certificate),
-          unrolling(tables, solver, Steps::serial, without), literals(unrolling, solver) {}
+          unrolling(tables, solver, Scope{Steps::serial, initial}), literals(unrolling, solver) {}
 
-    /// Each automaton is in one location at position 0, which nothing else says where the start is
-    /// left out.
-    void beAnywhere() {
-        for (uint a = 0; a < tables.automata.size(); ++a) {
-            std::vector<int> in;
-            int before = -unrolling.truth(); // it is in one of the locations ahead of this one
-            for (uint l = tables.locationsBegin(a); l < tables.automata[a].locationsEnd; ++l) {
-                in.push_back(unrolling.location(0, l));
-                solver.add({-before, -in.back()});
-                before = literals.disjunction(before, in.back());
-            }
-            solver.add({before});
-        }
-    }
     void leaveSets() {
         for (const int set : setsAt(0)) solver.add({-set});
     }
@@ -89,10 +76,9 @@ private:
 
 std::string certificateFault(const Tables& tables, const Certificate& certificate,
                              const Condition& condition) {
-    Checked first(tables, certificate, Says::nothing);
+    Checked first(tables, certificate, true);
     if (first.meetsSet()) return "the initial state is in a set of states that it excludes";
-    Checked any(tables, certificate, Says::start);
-    any.beAnywhere();
+    Checked any(tables, certificate, false);
     any.leaveSets();
     if (any.meets(condition)) return "what is asked holds in a state that it does not exclude";
     any.step();

@@ -1,19 +1,12 @@
 #include "conditionliterals.h"
 
 #include <algorithm>
-#include <cassert>
 #include <cstddef>
 
 ConditionLiterals::ConditionLiterals(const Unrolling& unrolling, Solver& solver)
-    : unrolling(unrolling), solver(solver) {
-    for (const auto& [location, number] : unrolling.tables.model.valuation) {
-        carriers[number].push_back(location);
-    }
-}
+    : unrolling(unrolling), solver(solver) {}
 
 int ConditionLiterals::literal(const Condition& condition, int where) {
-    assert(where >= position);
-    if (where != position) atoms.clear();
     position = where;
     return valueOf(condition, *this);
 }
@@ -45,7 +38,7 @@ int ConditionLiterals::some(std::vector<int> literals) {
 
 int ConditionLiterals::atom(const Condition::Token& token) {
     if (token.term == Condition::Term::at) return at(token.number, token.location);
-    const std::pair key(token.term, token.number);
+    const std::tuple key(position, token.term, token.number);
     if (const auto known = atoms.find(key); known != atoms.end()) return known->second;
     const int result = token.term == Condition::Term::prop      ? prop(token.number)
                        : token.term == Condition::Term::enabled ? enabled(token.number)
@@ -55,10 +48,8 @@ int ConditionLiterals::atom(const Condition::Token& token) {
 }
 
 int ConditionLiterals::prop(uint number) {
-    const auto found = carriers.find(number);
-    if (found == carriers.end()) return constant(false);
     std::vector<int> literals;
-    for (const auto& [a, l] : found->second) literals.push_back(at(a, l));
+    for (const auto& [a, l] : unrolling.tables.carriers(number)) literals.push_back(at(a, l));
     return some(std::move(literals));
 }
 

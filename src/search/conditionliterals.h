@@ -8,6 +8,7 @@
 #include "unrolling.h"
 
 #include <map>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -17,8 +18,7 @@ public:
     ConditionLiterals(const Unrolling& unrolling, Solver& solver);
 
     /// A literal that is true exactly where the condition holds at the position, from 0 to the
-    /// depth of the unrolling. Positions must not descend from call to call: the atoms of the last
-    /// one alone are kept.
+    /// depth of the unrolling.
     [[nodiscard]] int literal(const Condition& condition, int position);
 
     /// Literals are an algebra for conditions.
@@ -39,7 +39,6 @@ private:
 
     const Unrolling& unrolling;
     Solver& solver;
-    int position = 0;
-    std::map<std::pair<Condition::Term, uint>, int> atoms; // at the position
-    std::map<uint, std::vector<NetTimedModel::Location>> carriers; // of the propositions asked for
+    int position = 0;                                            // of the condition at hand
+    std::map<std::tuple<int, Condition::Term, uint>, int> atoms; // by position
 };

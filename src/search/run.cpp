@@ -27,32 +27,6 @@ void forEachChange(const Tables& tables, const Taken& taken, Use&& use) {
     });
 }
 
-/// The automata that a condition looks at.
-std::vector<bool> lookedAt(const Tables& tables, const Condition& condition) {
-    using Term = Condition::Term;
-    std::vector<bool> needed(tables.automata.size());
-    std::set<uint> props;
-    std::set<uint> automata;
-    for (const Condition::Token& token : condition.tokens) {
-        if (token.term == Term::deadlock) needed.assign(needed.size(), true);
-        if (token.term == Term::prop) props.insert(token.number);
-        if (token.term == Term::at) automata.insert(token.number);
-        if (token.term != Term::enabled) continue;
-        const auto x = tables.action(token.number);
-        if (!x) continue;
-        for (uint p = tables.participantsBegin(*x); p < tables.actions[*x].participantsEnd; ++p) {
-            needed[tables.participants[p].automaton] = true;
-        }
-    }
-    for (const auto& [location, prop] : tables.model.valuation) {
-        if (props.contains(prop)) automata.insert(location.first);
-    }
-    for (std::size_t a = 0; a < needed.size(); ++a) {
-        if (automata.contains(tables.automata[a].number)) needed[a] = true;
-    }
-    return needed;
-}
-
 /// The number of actions ahead of the first state where the condition holds.
 std::size_t firstMet(const Tables& tables, const Run& run, const Condition& condition) {
     Property property(tables.model, condition);
@@ -118,7 +92,7 @@ Run shortened(const Tables& tables, Run run, const Condition& condition, std::si
     const std::size_t met = firstMet(tables, run, condition);
     run.resize(std::min(run.size(), std::max(met, least)));
     if (met < least) return run;
-    std::vector<bool> needed = lookedAt(tables, condition);
+    std::vector<bool> needed = tables.lookedAt(condition);
     std::vector<bool> stays(run.size());
     std::size_t left = run.size();
     for (std::size_t i = run.size(); i-- > 0;) {

@@ -1,5 +1,17 @@
 // The search for paths: for each of some conditions, a path of a network that meets it, the least
-// length of one, or that there is none.
+// length of one, or that there is none. Three unrollings share the work:
+//
+//     hunter    actions in a fixed order, many in a step   finds a path in few steps
+//     refuter   independent actions in a step              refutes lengths fast while none is known
+//     climber   one action in a step                       finds the least length once one is known
+//
+// In each a step may be idle, so a depth that is refuted refutes all lengths up to it, and not each
+// depth is asked. All speak of all conditions that are open for them, under the one assumption that
+// some of these is met: one answer refutes them all, and a path is looked at for each.
+//
+// They take turns: the one that has done the least goes on. Its work is counted in clauses and
+// conflicts, not in seconds, so that the same input gives the same paths.
+
 #pragma once
 
 #include "condition.h"
@@ -7,7 +19,9 @@
 #include "tables.h"
 #include "unrolling.h"
 
-#include <chrono>
+#include <array>
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -19,9 +33,9 @@ struct Finding {
     /// if nothing is known.
     int refuted;
     bool found = false;
-    Run path{}; // if found
-    bool never = false; // no path of any length meets it
-    bool proved = false; // never, as was proved outside of the search
+    Run path{};          // if found
+    bool never = false;  // no path of any length meets it
+    bool proved = false; // that was proved outside of the search
     [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
     /// No shorter path meets it.
     [[nodiscard]] bool least() const { return found && refuted + 1 >= length(); }
@@ -30,20 +44,23 @@ struct Finding {
 class Search {
 public:
     struct Range {
-        int from = 0; // the least length asked for
-        int to;       // the greatest
-        bool any = false; // any path will do, not the shortest
+        int from = 0;     // the least length asked for
+        int to = 0;       // the greatest
+        bool any = false; // any path will do, not only the shortest
     };
-    /// What the search tells as it goes.
+    /// What the search tells as it goes. Each may be empty.
     struct Listener {
-        std::function<void()> refuted = [] {}; // a longer length for some
-        std::function<void(const Finding&)> found = [](const Finding&) {}; // a path or a shorter one
-        std::function<void(const Finding&)> proved = [](const Finding&) {}; // by exclude
-        std::function<bool()> stop; // asked often: whether to end ahead of the answer; may be empty
+        std::function<void()> refuted;              // of some condition a longer length
+        std::function<void(const Finding&)> found;  // a path, or a shorter one
+        std::function<void(const Finding&)> proved; // by exclude
+        std::function<bool()> stop; // asked often: whether to end ahead of the answer
     };
 
+    /// The model must outlive the search.
     Search(const NetTimedModel& model, std::vector<Condition> conditions, const Range& range,
            Listener listener);
+    Search(const Search&) = delete;
+    Search& operator=(const Search&) = delete;
     ~Search();
 
     /// Searches until all is answered, or until it is stopped. Goes on where it was stopped.
@@ -56,31 +73,39 @@ public:
     /// No path of any length meets a condition.
     void exclude(std::size_t question);
 
+    /// Whether nothing is left to find out about a condition.
+    [[nodiscard]] bool settled(const Finding& finding) const;
+
+    /// In the order of the conditions.
     [[nodiscard]] const std::vector<Finding>& findings() const { return all; }
     /// No path has more steps; -1 if that is not known.
     [[nodiscard]] int longest() const { return greatest; }
+    /// What the paths speak of.
     [[nodiscard]] const Tables& networkTables() const { return tables; }
-
-    /// Whether nothing is left to find out about it.
-    [[nodiscard]] bool settled(const Finding& finding) const;
 
 private:
     struct Engine;
+    using Open = std::vector<std::size_t>;
 
-    [[nodiscard]] bool hunted(const Finding& finding) const;
-    void begin();
-    bool hunt(int conflicts);
-    bool climb(int conflicts);
-    [[nodiscard]] bool endless(Engine& engine, int depth);
-    Solver::Verdict ask(Engine& engine, const std::vector<std::size_t>& open, int conflicts);
+    [[nodiscard]] int limit(const Finding& finding) const;
+    [[nodiscard]] Open openFor(Steps steps) const;
+    [[nodiscard]] Scope scopeOf(Steps steps) const;
+    [[nodiscard]] std::int64_t work(std::size_t i) const;
+    void hunt(Engine& engine, const Open& open, int conflicts);
+    void ascend(Engine& engine, const Open& open, int conflicts);
+    Solver::Verdict ask(Engine& engine, int depth, const Open& open, int conflicts);
+    void keep(std::size_t question, const Run& run);
+    void refute(const Open& open, int depth);
+    void lookForEnd(int depth);
+    [[nodiscard]] bool stopped() const { return listener.stop && listener.stop(); }
 
     const Tables tables;
     const Range range;
     const Listener listener;
     std::vector<Finding> all;
+    std::array<std::unique_ptr<Engine>, 3> engines;
+    std::unique_ptr<Engine> walker; // one action in each step
+    bool lost = false;              // it did not get an answer
+    int possible = 0;               // there are paths of that many steps
     int greatest = -1;
-    int runnable = 0; // there are paths of that many steps
-    std::unique_ptr<Engine> hunter;
-    std::unique_ptr<Engine> climber;
-    int huntDepth = 0;
 };

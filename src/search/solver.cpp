@@ -5,19 +5,30 @@
 #include <limits>
 #include <utility>
 
-class Solver::Library : public CaDiCaL::Terminator {
+class Solver::Library : public CaDiCaL::Terminator, public CaDiCaL::Learner {
 public:
-    Library() { solver.set("quiet", 1); }
+    Library() {
+        solver.set("quiet", 1);
+        solver.connect_learner(this);
+    }
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
     ~Library() override {
         if (stop) solver.disconnect_terminator();
+        solver.disconnect_learner();
     }
 
     bool terminate() override { return stop(); }
+    // A clause is learned from each conflict. It is asked for its size, and not taken.
+    bool learning(int /*size*/) override {
+        ++conflicts;
+        return false;
+    }
+    void learn(int /*literal*/) override {}
 
     CaDiCaL::Solver solver;
     std::function<bool()> stop;
+    std::int64_t conflicts = 0;
 };
 
 Solver::Solver() : library(std::make_unique<Library>()) {}
@@ -58,3 +69,5 @@ void Solver::setStop(std::function<bool()> stop) {
     library->stop = std::move(stop);
     library->solver.connect_terminator(library.get());
 }
+
+std::int64_t Solver::conflicts() const { return library->conflicts; }

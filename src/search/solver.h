@@ -33,9 +33,11 @@ public:
 
     /// For the next question alone.
     void assume(int literal);
-    /// Gives up, with unknown, when it has met that many conflicts, -1 for any number, or when it is
-    /// stopped. The same calls give the same answers, but for the stop.
+    /// Gives up, with unknown, when it has met that many conflicts, -1 for any number, or when it
+    /// is stopped. The same calls give the same answers, but for the stop.
     [[nodiscard]] Verdict solve(int conflicts);
+    /// The conflicts of all questions so far.
+    [[nodiscard]] std::int64_t conflicts() const;
     /// In the model; precondition: the last question was satisfiable.
     [[nodiscard]] bool value(int literal) const;
 

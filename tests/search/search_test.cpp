@@ -88,13 +88,34 @@ void forEachNetwork(unsigned int seed, int networks, Use&& use) {
     }
 }
 
+/// Whether each automaton is in exactly one location of a state that no run has to come to.
+bool isSomewhereOnce(const Tables& tables, Steps steps, Says without) {
+    Solver solver;
+    const Unrolling unrolling(tables, solver, {steps, false}, without);
+    const auto possible = [&](std::initializer_list<int> literals) {
+        for (const int literal : literals) solver.assume(literal);
+        return solver.solve(-1) == Solver::Verdict::satisfiable;
+    };
+    for (uint a = 0; a < tables.automata.size(); ++a) {
+        const uint begin = tables.locationsBegin(a);
+        const uint end = tables.automata[a].locationsEnd;
+        for (uint l = begin; l < end; ++l) solver.assume(-unrolling.location(0, l));
+        if (possible({})) return false;
+        for (uint l = begin + 1; l < end && steps != Steps::ordered; ++l) {
+            if (possible({unrolling.location(0, l - 1), unrolling.location(0, l)})) return false;
+        }
+    }
+    return true;
+}
+
 /// What is wrong with an unrolling, if one kind of its clauses is left out.
 std::string wrong(const Transitions& transitions, const Condition& condition, Steps steps,
                   Says without) {
     const Expected expected(transitions, condition);
     const Tables tables(transitions.model);
+    if (!isSomewhereOnce(tables, steps, without)) return "nowhere or twice";
     Solver solver;
-    Unrolling unrolling(tables, solver, steps, without);
+    Unrolling unrolling(tables, solver, {steps}, without);
     ConditionLiterals literals(unrolling, solver);
     for (int k = 0; k < 6; ++k) {
         for (const bool busy : {false, true}) {
@@ -164,6 +185,8 @@ TEST(Unrolling, missesEachKindOfClauses) {
         });
         EXPECT_FALSE(noticed.contains(Says::nothing)) << static_cast<int>(steps);
         for (int says = 0; says < static_cast<int>(Says::nothing); ++says) {
+            // Ordered actions say where an automaton is from one to the next.
+            if (steps == Steps::ordered && static_cast<Says>(says) == Says::once) continue;
             EXPECT_TRUE(noticed.contains(static_cast<Says>(says)))
                 << static_cast<int>(steps) << ' ' << says;
         }

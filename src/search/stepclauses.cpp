@@ -1,0 +1,389 @@
+#include "stepclauses.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numeric>
+#include <utility>
+
+namespace {
+
+constexpr uint never = std::numeric_limits<uint>::max();
+
+/// A move in the clauses of an automaton.
+struct Mover {
+    uint source;
+    uint target;
+    uint rank; // of its action
+    int var;
+};
+
+/// What happens to a location.
+struct Event {
+    enum class Kind { test, leave, come };
+
+    Kind kind;
+    uint rank;
+    int var;
+    int sign; // of the location's literal in a test
+};
+
+class Maker {
+public:
+    Maker(StepClauses& made, const Tables& tables, const Scope& scope, Says without)
+        : made(made), tables(tables), scope(scope), without(without) {}
+
+    void make();
+
+private:
+    int newVar(uint late, uint ahead);
+    void say(Says what, std::initializer_list<int> clause) {
+        say(what, std::span(clause.begin(), clause.size()));
+    }
+    void say(Says what, std::span<const int> clause);
+    void atMostOne(Says what, std::span<const int> literals);
+
+    void measureDistances();
+    void layOutState();
+    void layOutActions();
+    void layOutMovers();
+    void state(uint a);
+    void unordered(uint a);
+    void ordered(uint a);
+    void ordered(uint l, std::vector<Event>& events, bool bit);
+    void sortClauses();
+
+    [[nodiscard]] int now(uint l) const { return made.locations[l]; }
+    [[nodiscard]] int next(uint l) const {
+        const int var = made.locations[l];
+        return var < 0 ? var - made.stateSize : var + made.stateSize;
+    }
+    [[nodiscard]] std::span<Mover> moversOf(uint a) {
+        const uint begin = a == 0 ? 0 : moversEnd[a - 1];
+        return std::span(movers).subspan(begin, moversEnd[a] - begin);
+    }
+    [[nodiscard]] uint participantsEnd(uint x) const { return tables.actions[x].participantsEnd; }
+
+    StepClauses& made;
+    const Tables& tables;
+    const Scope& scope;
+    const Says without;
+    std::vector<uint> distance; // of each automaton
+    std::vector<Mover> movers;  // by automaton
+    std::vector<uint> moversEnd;
+    std::vector<std::pair<uint, std::size_t>> clauses; // how far ahead they matter, and their ends
+};
+
+int Maker::newVar(uint late, uint ahead) {
+    if (scope.steps == Steps::ordered || !scope.initial || without == Says::start) late = 0;
+    made.variables.push_back({late, ahead});
+    if (late != never) made.lastLate = std::max(made.lastLate, late);
+    return static_cast<int>(made.variables.size());
+}
+
+void Maker::say(Says what, std::span<const int> clause) {
+    if (what == without) return;
+    uint ahead = 1;
+    for (const int literal : clause) ahead = std::max(ahead, made.variable(literal).ahead);
+    if (ahead == never) return;
+    made.clauses.insert(made.clauses.end(), clause.begin(), clause.end());
+    made.clauses.push_back(0);
+    clauses.emplace_back(ahead, made.clauses.size());
+}
+
+/// Pairs of few. Of many, each literal fixes the row and the column of a square in which it stands,
+/// and of rows and of columns there is one at most.
+void Maker::atMostOne(Says what, std::span<const int> literals) {
+    constexpr std::size_t few = 5;
+    const std::size_t n = literals.size();
+    if (n <= few) {
+        for (std::size_t i = 0; i < n; ++i) {
+            for (std::size_t j = 0; j < i; ++j) say(what, {-literals[j], -literals[i]});
+        }
+        return;
+    }
+    const auto side = static_cast<std::size_t>(std::ceil(std::sqrt(static_cast<double>(n))));
+    std::vector<int> rows((n + side - 1) / side);
+    std::vector<int> columns(side);
+    for (std::size_t i = 0; i < n; ++i) {
+        const uint ahead = made.variable(literals[i]).ahead;
+        for (int* line : {&rows[i / side], &columns[i % side]}) {
+            if (*line == 0) *line = newVar(0, ahead);
+            uint& least = made.variables[static_cast<std::size_t>(*line) - 1].ahead;
+            least = std::min(least, ahead);
+            say(what, {-literals[i], *line});
+        }
+    }
+    atMostOne(what, rows);
+    atMostOne(what, columns);
+}
+
+/// The distance of an automaton from those that are looked at, by actions that they share.
+void Maker::measureDistances() {
+    distance.assign(tables.automata.size(), 0);
+    if (scope.lookedAt.empty()) return;
+    std::vector<std::vector<uint>> actionsOf(tables.automata.size());
+    for (uint x = 0; x < tables.actions.size(); ++x) {
+        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
+            actionsOf[tables.participants[p].automaton].push_back(x);
+        }
+    }
+    std::vector<uint> queue;
+    std::vector<bool> seen(tables.actions.size());
+    for (uint a = 0; a < distance.size(); ++a) {
+        distance[a] = scope.lookedAt[a] ? 0 : never;
+        if (scope.lookedAt[a]) queue.push_back(a);
+    }
+    for (std::size_t i = 0; i < queue.size(); ++i) {
+        const uint further = distance[queue[i]] + 1;
+        for (const uint x : actionsOf[queue[i]]) {
+            if (seen[x]) continue;
+            seen[x] = true;
+            for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
+                const uint other = tables.participants[p].automaton;
+                if (distance[other] != never) continue;
+                distance[other] = further;
+                queue.push_back(other);
+            }
+        }
+    }
+}
+
+void Maker::layOutState() {
+    for (const uint next : {0U, 1U}) {
+        for (uint a = 0; a < tables.automata.size(); ++a) {
+            const uint begin = tables.locationsBegin(a);
+            const uint end = tables.automata[a].locationsEnd;
+            for (uint l = end - begin == 2 ? begin + 1 : begin; l < end; ++l) {
+                const uint layer = tables.locations[l].layer;
+                const int var = newVar(layer - std::min(layer, next), distance[a]);
+                if (next == 1) continue;
+                if (end - begin == 2) made.locations.push_back(-var);
+                made.locations.push_back(var);
+            }
+        }
+        if (next == 0) made.stateSize = static_cast<int>(made.variables.size());
+    }
+}
+
+void Maker::layOutActions() {
+    made.order.resize(tables.actions.size());
+    std::iota(made.order.begin(), made.order.end(), 0U);
+    if (scope.steps == Steps::ordered) {
+        std::stable_sort(made.order.begin(), made.order.end(), [&](uint x, uint y) {
+            return tables.actions[x].layer < tables.actions[y].layer;
+        });
+    }
+    made.busy = newVar(0, 0);
+    std::vector<int> some = {-made.busy};
+    for (uint x = 0; x < tables.actions.size(); ++x) {
+        uint ahead = scope.lookedAt.empty() ? 0 : never;
+        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
+            const uint near = distance[tables.participants[p].automaton];
+            if (near != never) ahead = std::min(ahead, near + 1);
+        }
+        const uint layer = tables.actions[x].layer;
+        const int action = newVar(layer, ahead);
+        made.actions.push_back(action);
+        some.push_back(action);
+        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
+            const uint begin = tables.movesBegin(p);
+            const uint end = tables.participants[p].movesEnd;
+            if (end - begin == 1) {
+                made.moves.push_back(action);
+                continue;
+            }
+            std::vector<int> choice = {-action};
+            for (uint m = begin; m < end; ++m) {
+                const uint source = tables.locations[tables.moves[m].source].layer;
+                choice.push_back(newVar(std::max(layer, source), ahead));
+                made.moves.push_back(choice.back());
+                say(Says::taken, {-choice.back(), action});
+            }
+            say(Says::choice, choice);
+            if (scope.steps == Steps::ordered) {
+                atMostOne(Says::exclusion, std::span(choice).subspan(1));
+            }
+        }
+    }
+    say(Says::busy, some);
+    if (scope.steps == Steps::serial) atMostOne(Says::exclusion, made.actions);
+}
+
+void Maker::layOutMovers() {
+    std::vector<uint> rank(made.order.size());
+    for (uint i = 0; i < rank.size(); ++i) rank[made.order[i]] = i;
+    moversEnd.resize(tables.automata.size());
+    for (uint p = 0; p < tables.participants.size(); ++p) {
+        moversEnd[tables.participants[p].automaton] +=
+            tables.participants[p].movesEnd - tables.movesBegin(p);
+    }
+    std::partial_sum(moversEnd.begin(), moversEnd.end(), moversEnd.begin());
+    std::vector<uint> at(moversEnd.size());
+    for (uint a = 1; a < at.size(); ++a) at[a] = moversEnd[a - 1];
+    movers.resize(tables.moves.size());
+    for (uint x = 0; x < tables.actions.size(); ++x) {
+        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
+            for (uint m = tables.movesBegin(p); m < tables.participants[p].movesEnd; ++m) {
+                movers[at[tables.participants[p].automaton]++] = {
+                    tables.moves[m].source, tables.moves[m].target, rank[x], made.moves[m]};
+            }
+        }
+    }
+}
+
+void Maker::state(uint a) {
+    std::vector<int> in;
+    for (uint l = tables.locationsBegin(a); l < tables.automata[a].locationsEnd; ++l) {
+        in.push_back(next(l));
+    }
+    if (in.size() == 2) return;
+    say(Says::somewhere, in);
+    if (scope.steps != Steps::ordered) atMostOne(Says::once, in);
+}
+
+/// Of moves that differ in source or target one at most is possible, since the automaton is in one
+/// location at a time. So only those that are the same have to exclude each other, and tests of a
+/// location need not.
+void Maker::unordered(uint a) {
+    const std::span<Mover> moves = moversOf(a);
+    const uint begin = tables.locationsBegin(a);
+    const uint end = tables.automata[a].locationsEnd;
+    std::vector<std::vector<int>> into(end - begin);
+    std::vector<std::vector<int>> outOf(end - begin);
+    std::stable_sort(moves.begin(), moves.end(), [](const Mover& x, const Mover& y) {
+        return std::pair(x.source, x.target) < std::pair(y.source, y.target);
+    });
+    for (std::size_t i = 0; i < moves.size();) {
+        const Mover first = moves[i];
+        std::vector<int> same;
+        for (;
+             i < moves.size() && moves[i].source == first.source && moves[i].target == first.target;
+             ++i) {
+            same.push_back(moves[i].var);
+            say(Says::source, {-moves[i].var, now(first.source)});
+            say(Says::target, {-moves[i].var, next(first.target)});
+        }
+        if (first.source == first.target) continue;
+        for (auto* list : {&into[first.target - begin], &outOf[first.source - begin]}) {
+            list->insert(list->end(), same.begin(), same.end());
+        }
+        if (scope.steps == Steps::parallel) atMostOne(Says::exclusion, same);
+    }
+    for (uint l = begin; l < end; ++l) {
+        std::vector<int>& in = into[l - begin];
+        in.insert(in.end(), {now(l), -next(l)});
+        say(Says::frame, in);
+        if (end - begin == 2) continue; // to come to one is to leave the other
+        std::vector<int>& out = outOf[l - begin];
+        out.insert(out.end(), {-now(l), next(l)});
+        say(Says::frame, out);
+    }
+}
+
+void Maker::ordered(uint a) {
+    using Kind = Event::Kind;
+    const uint begin = tables.locationsBegin(a);
+    const uint end = tables.automata[a].locationsEnd;
+    const bool bit = end - begin == 2;
+    std::vector<std::vector<Event>> events(end - begin);
+    for (const Mover& move : moversOf(a)) {
+        const bool test = move.source == move.target;
+        if (bit) {
+            const bool first = move.source == begin;
+            const Kind kind = test ? Kind::test : first ? Kind::come : Kind::leave;
+            events[1].push_back({kind, move.rank, move.var, first ? -1 : 1});
+        } else if (test) {
+            events[move.source - begin].push_back({Kind::test, move.rank, move.var, 1});
+        } else {
+            events[move.source - begin].push_back({Kind::leave, move.rank, move.var, 1});
+            events[move.target - begin].push_back({Kind::come, move.rank, move.var, 1});
+        }
+    }
+    for (uint l = bit ? begin + 1 : begin; l < end; ++l) ordered(l, events[l - begin], bit);
+}
+
+/// Whether an automaton is in a location, from one event to the next. Events of one kind in a row
+/// are one: of those that leave it only one can be, and of those that come to it as well, since the
+/// automaton is elsewhere before.
+void Maker::ordered(uint l, std::vector<Event>& events, bool bit) {
+    using Kind = Event::Kind;
+    std::stable_sort(events.begin(), events.end(), [](const Event& x, const Event& y) {
+        return std::pair(x.rank, x.kind) < std::pair(y.rank, y.kind);
+    });
+    std::size_t last = events.size(); // behind the last change
+    while (last > 0 && events[last - 1].kind == Kind::test) --last;
+    int value = now(l);
+    if (last == 0) {
+        say(Says::frame, {-value, next(l)});
+        say(Says::frame, {value, -next(l)});
+    }
+    for (std::size_t i = 0; i < events.size();) {
+        const Kind kind = events[i].kind;
+        if (kind == Kind::test) {
+            say(Says::source, {-events[i].var, events[i].sign * value});
+            ++i;
+            continue;
+        }
+        std::vector<int> same;
+        for (; i < events.size() && events[i].kind == kind; ++i) same.push_back(events[i].var);
+        const int then = i >= last ? next(l) : newVar(0, 0);
+        const int was = kind == Kind::come ? value : -value;
+        const int is = kind == Kind::come ? then : -then;
+        const bool alone = bit || kind == Kind::leave;
+        for (const int var : same) {
+            if (alone) say(Says::source, {-var, -was});
+            say(Says::target, {-var, is});
+        }
+        if (alone) atMostOne(Says::exclusion, same);
+        say(Says::frame, {-was, is});
+        same.insert(same.end(), {was, -is});
+        say(Says::frame, same);
+        value = then;
+    }
+}
+
+void Maker::sortClauses() {
+    std::vector<std::size_t> order(clauses.size());
+    std::iota(order.begin(), order.end(), std::size_t(0));
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
+        return clauses[i].first < clauses[j].first;
+    });
+    std::vector<int> sorted;
+    sorted.reserve(made.clauses.size());
+    for (const std::size_t i : order) {
+        made.clausesEnd.resize(clauses[i].first, sorted.size());
+        const std::size_t begin = i == 0 ? 0 : clauses[i - 1].second;
+        sorted.insert(sorted.end(), made.clauses.begin() + static_cast<std::ptrdiff_t>(begin),
+                      made.clauses.begin() + static_cast<std::ptrdiff_t>(clauses[i].second));
+        made.clausesEnd.back() = sorted.size();
+    }
+    made.clauses.swap(sorted);
+}
+
+void Maker::make() {
+    measureDistances();
+    layOutState();
+    layOutActions();
+    layOutMovers();
+    for (uint a = 0; a < tables.automata.size(); ++a) {
+        if (scope.steps == Steps::ordered) {
+            ordered(a);
+        } else {
+            unordered(a);
+        }
+    }
+    const std::size_t alone = made.clauses.size();
+    for (uint a = 0; a < tables.automata.size(); ++a) state(a);
+    if (!scope.initial) {
+        made.stateClauses.assign(made.clauses.begin() + static_cast<std::ptrdiff_t>(alone),
+                                 made.clauses.end());
+    }
+    sortClauses();
+}
+
+} // namespace
+
+StepClauses::StepClauses(const Tables& tables, const Scope& scope, Says without) {
+    Maker(*this, tables, scope, without).make();
+}

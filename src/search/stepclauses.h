@@ -1,0 +1,87 @@
+// The clauses of one step of a network, made once: an unrolling gives them to its solver for each
+// step, with the variables shifted.
+//
+// Their variables are numbered from 1: first those of the state that the step leaves, then those of
+// the state that it comes to, in the same order, then those of the step. A state has a variable for
+// each location, but one for both locations of an automaton of two, which is true in the second. A
+// step has one for each action, one for each move of a participant with a choice, and some that
+// count to one. With all actions independent in a step (parallel), the clauses of examples/two are,
+// by the locations 0 to 4 and the actions 0 to 3 of its tables (l' is behind the step):
+//
+//     source, target   action 0: 3 and 4'    action 1: 0 and 1', 2 and 3'
+//                      action 2: 1 and 0'    action 3: 4 and 2'
+//     frame            1' and not 1: 1       not 1' and 1: 2
+//                      2' and not 2: 3       not 2' and 2: 1
+//                      3' and not 3: 1       not 3' and 3: 0
+//                      4' and not 4: 0       not 4' and 4: 3
+//     somewhere, once  exactly one of 2', 3', 4'
+//     busy             one of the actions, where the step has to have one
+//
+// The field calls the frame conditions explanatory frame axioms: what changes has an action that
+// changes it. So a step is linear in the transitions. Steps of many actions are those of Petri nets
+// and of planning.
+
+#pragma once
+
+#include "tables.h"
+
+#include <cstddef>
+#include <initializer_list>
+#include <span>
+#include <vector>
+
+/// What may be in one step.
+enum class Steps { serial, parallel, ordered };
+
+/// The clauses by what they say.
+enum class Says {
+    start,     // every automaton is in location 0 at position 0
+    somewhere, // an automaton is in one of its locations
+    once,      // and in no other
+    source,    // a move leaves its source
+    target,    // and comes to its target
+    taken,     // a move is one of its action
+    choice,    // an action has a move of each participant
+    frame,     // what no move changes stays
+    exclusion, // of what would be in each other's way only one is in a step
+    busy,      // a step has an action where it has to
+    nothing
+};
+
+/// What is unrolled.
+struct Scope {
+    Steps steps;
+    /// From the initial state, or else from any.
+    bool initial = true;
+    /// By automaton: only what can have to do with these at the last position, so that a run may
+    /// lack actions that have nothing to do with them. Empty: all that can happen.
+    std::vector<bool> lookedAt{};
+};
+
+struct StepClauses {
+    /// Linear in the tables, but for sorting.
+    StepClauses(const Tables& tables, const Scope& scope, Says without);
+
+    struct Variable {
+        uint late;  // it is false in that many of the first steps
+        uint ahead; // it matters only that many steps ahead of the last position, or more
+    };
+    std::vector<Variable> variables; // from 1 on
+    int stateSize = 0;
+    int busy = 0;
+    std::vector<int> locations; // in the state that is left, negative where the bit is 0
+    std::vector<int> actions;
+    std::vector<int> moves;  // the action where the participant has no choice
+    std::vector<uint> order; // of the actions in a step
+
+    /// Closed by zeros, by ascending distance from the last position.
+    std::vector<int> clauses;
+    /// The end of those that matter one step ahead of the last position, two, ...
+    std::vector<std::size_t> clausesEnd;
+    std::vector<int> stateClauses; // of a state alone
+    uint lastLate = 0;
+
+    [[nodiscard]] const Variable& variable(int literal) const {
+        return variables[static_cast<std::size_t>(literal < 0 ? -literal : literal) - 1];
+    }
+};
