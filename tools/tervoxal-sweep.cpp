@@ -77,7 +77,7 @@ Result swept(const Task& task, const Input& input) {
     for (const auto& [name, text] :
          {std::pair(task.network, input.network), std::pair(task.formula, input.formula)}) {
         const std::string problem = writeFile(directory.path / (name + inputSuffix), text);
-        if (!problem.empty()) return {Outcome::refused, {}, problem, 0, {}};
+        if (!problem.empty()) return {LengthVerdict::refused, {}, problem, 0, {}};
     }
     if (!task.keep.empty()) {
         // Each run adds its line to the file that the link leads to.
@@ -125,10 +125,10 @@ int main(int argc, char* argv[]) {
 
     const Result result = swept(task, input);
     if (result.signal != 0) dieBy(result.signal);
-    switch (result.outcome) {
-    case Outcome::none: std::cerr << result.text + '\n'; return finished(20);
-    case Outcome::path: std::cout << result.text; return finished(10);
-    case Outcome::refused: break;
+    switch (result.verdict) {
+    case LengthVerdict::none: std::cerr << result.text + '\n'; return finished(20);
+    case LengthVerdict::path: std::cout << result.text; return finished(10);
+    case LengthVerdict::refused: break;
     }
     error(result.text);
 }

@@ -30,21 +30,20 @@ void checkOperators(const std::string& text, std::size_t column, long line, Find
     }
 }
 
-std::set<unsigned int> propsOf(const EctlForm& form) {
-    std::set<unsigned int> props;
+std::set<uint> propsOf(const EctlForm& form) {
+    std::set<uint> props;
     for (const OnpNode& token : form.onp) {
         if (token.op != OpVar && token.op != OpNegVar) continue;
-        props.insert(static_cast<unsigned int>(token.varNr));
+        props.insert(static_cast<uint>(token.varNr));
     }
     return props;
 }
 
 } // namespace
 
-std::vector<std::string> uncarried(const std::set<unsigned int>& asked,
-                                   const std::set<unsigned int>& carried) {
+std::vector<std::string> uncarried(const std::set<uint>& asked, const std::set<uint>& carried) {
     std::vector<std::string> warnings;
-    for (const unsigned int prop : asked) {
+    for (const uint prop : asked) {
         if (carried.contains(prop)) continue;
         warnings.push_back("no location carries proposition " + std::to_string(prop) +
                            ", it is false in every state");

@@ -5,6 +5,7 @@
 #include "ectlform.h"
 #include "findings.h"
 #include "networkcheck.h"
+#include "uint.h"
 
 #include <optional>
 #include <set>
@@ -17,5 +18,5 @@ std::optional<EctlForm> checkFormula(const std::string& file, const CheckedNetwo
                                      Findings& findings);
 
 /// A warning for each proposition that is asked for and that no location carries.
-[[nodiscard]] std::vector<std::string> uncarried(const std::set<unsigned int>& asked,
-                                                 const std::set<unsigned int>& carried);
+[[nodiscard]] std::vector<std::string> uncarried(const std::set<uint>& asked,
+                                                 const std::set<uint>& carried);

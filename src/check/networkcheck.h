@@ -6,6 +6,7 @@
 #pragma once
 
 #include "findings.h"
+#include "uint.h"
 
 #include <set>
 #include <string>
@@ -15,7 +16,7 @@ struct CheckedNetwork {
     /// Whether a run takes the file. If it does not, props may lack some.
     bool taken = false;
     /// The propositions that some location carries.
-    std::set<unsigned int> props;
+    std::set<uint> props;
 };
 
 /// Checks a network file, named with its suffix. It is kept in memory; the time is linear but for

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include "uint.h"
+
 #include <string>
 
 /// A fault of a network file.
@@ -31,7 +33,7 @@ struct NetworkFault {
     long line;                     // where it is told, from 1
     int automaton;                 // the one that is read; 0 ahead of the first
     Field field = Field::location; // of a number
-    unsigned int location = 0;     // that lacks its declaration
+    uint location = 0;             // that lacks its declaration
 };
 
 /// Whether another line is due in place of the one that is there.

@@ -6,6 +6,7 @@
 #include "lines.h"
 #include "networkfault.h"
 #include "scanner.h"
+#include "uint.h"
 
 #include <algorithm>
 #include <concepts>
@@ -15,9 +16,9 @@
 
 /// A transition as a file tells it. Ordered by action, then source, then target.
 struct Transition {
-    unsigned int action;
-    unsigned int source;
-    unsigned int target;
+    uint action;
+    uint source;
+    uint target;
 
     bool operator==(const Transition&) const = default;
 };
@@ -28,9 +29,9 @@ inline bool operator<(const Transition& a, const Transition& b) {
 
 /// What the parser calls, in the order of the file.
 template <class Handler>
-concept NetworkHandler = requires(Handler handler, int automaton, unsigned int number,
+concept NetworkHandler = requires(Handler handler, int automaton, uint number,
                                   const Transition& transition, bool named,
-                                  const std::optional<unsigned int>& prop, const Scanner& behind,
+                                  const std::optional<uint>& prop, const Scanner& behind,
                                   const NetworkFault& fault) {
     // The heading of the network.
     handler.heading();
@@ -113,7 +114,7 @@ private:
         if (found == Found::tooLarge) return refused(Kind::tooLarge, field);
         return true;
     }
-    bool required(Scanner& fields, unsigned int& n, Field field) {
+    bool required(Scanner& fields, uint& n, Field field) {
         const Found found = fields.number(n);
         return found == Found::nothing ? refused(Kind::missing, field) : sound(found, field);
     }
@@ -132,7 +133,7 @@ private:
     bool location() {
         Scanner fields(lines.text);
         fields.skipWord();
-        unsigned int l = 0;
+        uint l = 0;
         if (!required(fields, l, Field::location)) return false;
         handler.location(l, fields);
         return next() && (at("end") || refused(Kind::openLocation)) && next();
@@ -163,7 +164,7 @@ private:
 
     bool value() {
         Scanner fields(lines.text);
-        unsigned int l = 0;
+        uint l = 0;
         Found found = fields.number(l);
         if (found == Found::nothing) {
             handler.ignored();
@@ -171,8 +172,8 @@ private:
         }
         if (!sound(found, Field::location)) return false;
         handler.value(l);
-        std::optional<unsigned int> last;
-        unsigned int p = 0;
+        std::optional<uint> last;
+        uint p = 0;
         while ((found = fields.number(p)) == Found::number) {
             handler.prop(l, p);
             last = p;

@@ -30,7 +30,7 @@ void titleLine(std::ostream& out, std::string_view name) {
 }
 
 bool beginsLikeNumber(std::string_view text) {
-    unsigned int n = 0;
+    uint n = 0;
     return Scanner(text).number(n) != Found::nothing;
 }
 
@@ -42,14 +42,13 @@ NetworkWriter::NetworkWriter(std::ostream& out, std::string_view heading) : out(
 
 void NetworkWriter::automaton(std::string_view title) { titleLine(*out, title); }
 
-void NetworkWriter::location(unsigned int l, std::string_view name) {
+void NetworkWriter::location(uint l, std::string_view name) {
     *out << "location " << l;
     behind(*out, name);
     *out << "\nend\n";
 }
 
-void NetworkWriter::transition(unsigned int source, unsigned int target, unsigned int action,
-                               std::string_view name) {
+void NetworkWriter::transition(uint source, uint target, uint action, std::string_view name) {
     *out << "transition " << source << ' ' << target << ' ' << action;
     behind(*out, name);
     *out << "\nend\n";
@@ -57,10 +56,9 @@ void NetworkWriter::transition(unsigned int source, unsigned int target, unsigne
 
 void NetworkWriter::valuation() { *out << "valuation\n"; }
 
-void NetworkWriter::value(unsigned int l, std::span<const unsigned int> props,
-                          std::string_view name) {
+void NetworkWriter::value(uint l, std::span<const uint> props, std::string_view name) {
     *out << l;
-    for (const unsigned int p : props) *out << ' ' << p;
+    for (const uint p : props) *out << ' ' << p;
     if (!props.empty()) {
         const std::string text = oneLine(name);
         behind(*out, beginsLikeNumber(text) ? '_' + text : text);
@@ -68,7 +66,7 @@ void NetworkWriter::value(unsigned int l, std::span<const unsigned int> props,
     *out << '\n';
 }
 
-void NetworkWriter::value(unsigned int l, unsigned int prop, std::string_view name) {
+void NetworkWriter::value(uint l, uint prop, std::string_view name) {
     value(l, std::span(&prop, 1), name);
 }
 

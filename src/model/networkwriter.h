@@ -7,6 +7,8 @@
 
 #pragma once
 
+#include "uint.h"
+
 #include <ostream>
 #include <span>
 #include <string_view>
@@ -19,15 +21,14 @@ public:
 
     /// Begins an automaton.
     void automaton(std::string_view title);
-    void location(unsigned int l, std::string_view name = {});
-    void transition(unsigned int source, unsigned int target, unsigned int action,
-                    std::string_view name = {});
+    void location(uint l, std::string_view name = {});
+    void transition(uint source, uint target, uint action, std::string_view name = {});
     /// Begins the valuation of the automaton: one call, behind all locations and transitions.
     void valuation();
     /// The propositions of a location; the name is that of the last one. Without a proposition
     /// there is nothing to name.
-    void value(unsigned int l, std::span<const unsigned int> props, std::string_view name = {});
-    void value(unsigned int l, unsigned int prop, std::string_view name = {});
+    void value(uint l, std::span<const uint> props, std::string_view name = {});
+    void value(uint l, uint prop, std::string_view name = {});
     /// Ends the valuation and the automaton.
     void endAutomaton();
     /// Ends the network.

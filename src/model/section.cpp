@@ -14,11 +14,11 @@ void sortUnique(std::vector<T>& v) {
 
 void Section::addTransition(const Transition& t, long line) {
     transitions.push_back(t);
-    const unsigned int greater = std::max(t.source, t.target);
+    const uint greater = std::max(t.source, t.target);
     if (ends.empty() || greater > ends.back().location) ends.push_back({greater, line});
 }
 
-void Section::addValue(unsigned int l, long line) {
+void Section::addValue(uint l, long line) {
     if (greatestValue.line == 0 || l > greatestValue.location) greatestValue = {l, line};
 }
 
@@ -31,11 +31,11 @@ void Section::sort() {
 std::optional<NetworkFault> Section::fault(int automaton, long end) const {
     using Kind = NetworkFault::Kind;
     if (locations.empty()) return NetworkFault{Kind::noLocation, end, automaton};
-    const auto undeclared = [automaton](unsigned int l, long line) {
+    const auto undeclared = [automaton](uint l, long line) {
         return NetworkFault{Kind::undeclared, line, automaton, {}, l};
     };
-    const auto count = static_cast<unsigned int>(locations.size());
-    for (unsigned int l = 0; l < count; ++l) {
+    const auto count = static_cast<uint>(locations.size());
+    for (uint l = 0; l < count; ++l) {
         if (locations[l] != l) return undeclared(l, end);
     }
     const auto first = std::find_if(ends.begin(), ends.end(),

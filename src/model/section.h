@@ -4,6 +4,7 @@
 #pragma once
 
 #include "networkgrammar.h"
+#include "uint.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,12 +12,12 @@
 
 class Section {
 public:
-    void addLocation(unsigned int l) { locations.push_back(l); }
+    void addLocation(uint l) { locations.push_back(l); }
     /// line: that of the transition.
     void addTransition(const Transition& t, long line);
     /// A valuation line names l.
-    void addValue(unsigned int l, long line);
-    void addProp(unsigned int l, unsigned int p) { values.push_back(std::uint64_t(l) << 32U | p); }
+    void addValue(uint l, long line);
+    void addProp(uint l, uint p) { values.push_back(std::uint64_t(l) << 32U | p); }
 
     /// Sorts the declarations and drops repeats.
     void sort();
@@ -26,14 +27,14 @@ public:
     /// told.
     [[nodiscard]] std::optional<NetworkFault> fault(int automaton, long end) const;
 
-    std::vector<unsigned int> locations;
+    std::vector<uint> locations;
     std::vector<Transition> transitions;
     std::vector<std::uint64_t> values; // location and, in the low half, proposition
 
 private:
     /// A location named, and the first line that names it.
     struct Mention {
-        unsigned int location;
+        uint location;
         long line;
     };
 

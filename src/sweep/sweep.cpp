@@ -69,7 +69,7 @@ private:
     void startStage(const Length& length);
     [[nodiscard]] Launch launch(const Length& length) const;
     void endStage(Length length, int status);
-    void settle(const Length& length, Outcome outcome, const std::string& text);
+    void settle(const Length& length, LengthVerdict verdict, const std::string& text);
     [[nodiscard]] std::string putAway(long k) const;
     void report();
 
@@ -95,7 +95,7 @@ Result Sweep::run() {
             std::set<pid_t> all;
             for (const auto& [child, length] : running) all.insert(child);
             children.end(all);
-            return {Outcome::none, {}, "", event.signal, {}};
+            return {LengthVerdict::none, {}, "", event.signal, {}};
         }
         const Length length = running.at(event.child);
         running.erase(event.child);
@@ -103,7 +103,7 @@ Result Sweep::run() {
         report();
     }
     if (results.contains(last)) return results.at(last);
-    return {Outcome::none,
+    return {LengthVerdict::none,
             {},
             "no path of " + (task.from < last ? std::to_string(task.from) + " to " : "") +
                 steps(last) + "; this says nothing of longer ones",
@@ -146,25 +146,25 @@ void Sweep::startStage(const Length& length) {
     if (const pid_t pid = children.start(child); pid != 0) {
         running.emplace(pid, length);
     } else {
-        settle(length, Outcome::refused, notStarted(child));
+        settle(length, LengthVerdict::refused, notStarted(child));
     }
 }
 
 void Sweep::endStage(Length length, int status) {
     const long k = length.k;
-    const auto noOutcome = [&](const std::string& why) {
-        settle(length, Outcome::refused, "k = " + std::to_string(k) + ": " + why);
+    const auto noVerdict = [&](const std::string& why) {
+        settle(length, LengthVerdict::refused, "k = " + std::to_string(k) + ": " + why);
     };
 
     switch (length.stage) {
     case Length::Stage::translation:
         if (const std::string line = lastMessage(file(k, progressSuffix));
             status == 1 && !line.empty()) {
-            settle(length, Outcome::refused, line);
+            settle(length, LengthVerdict::refused, line);
         } else if (status != 0) {
-            noOutcome(howEnded("tervoxal", status, file(k, progressSuffix)));
+            noVerdict(howEnded("tervoxal", status, file(k, progressSuffix)));
         } else if (!isThere(file(k, clauseSuffix)) || !isThere(file(k, sideSuffix))) {
-            noOutcome("the clauses cannot be written in " + directory.parent_path().string());
+            noVerdict("the clauses cannot be written in " + directory.parent_path().string());
         } else {
             length.stage = Length::Stage::solver;
             startStage(length);
@@ -172,7 +172,7 @@ void Sweep::endStage(Length length, int status) {
         return;
     case Length::Stage::solver:
         if (status != 0 && status != 10 && status != 20) {
-            noOutcome(howEnded("the solver", status, file(k, logSuffix)));
+            noVerdict(howEnded("the solver", status, file(k, logSuffix)));
         } else {
             length.solverStatus = status;
             length.stage = Length::Stage::path;
@@ -182,35 +182,35 @@ void Sweep::endStage(Length length, int status) {
     case Length::Stage::path: break;
     }
     if (status == 0) {
-        noOutcome("the solver gives no answer");
+        noVerdict("the solver gives no answer");
     } else if (status == 1) {
-        noOutcome("the solver's answer is refused: " + lastMessage(file(k, refusalSuffix)));
+        noVerdict("the solver's answer is refused: " + lastMessage(file(k, refusalSuffix)));
     } else if (status != 10 && status != 20) {
-        noOutcome(howEnded("tervoxal-path", status, file(k, refusalSuffix)));
+        noVerdict(howEnded("tervoxal-path", status, file(k, refusalSuffix)));
     } else if (length.solverStatus != 0 && length.solverStatus != status) {
-        noOutcome("the solver ended with status " + std::to_string(length.solverStatus) +
+        noVerdict("the solver ended with status " + std::to_string(length.solverStatus) +
                   ", but its output says otherwise");
     } else if (status == 20) {
-        settle(length, Outcome::none, "");
+        settle(length, LengthVerdict::none, "");
     } else {
         std::ifstream path(file(k, pathSuffix), std::ios::binary);
-        settle(length, Outcome::path, wholeText(path));
+        settle(length, LengthVerdict::path, wholeText(path));
     }
 }
 
-void Sweep::settle(const Length& length, Outcome outcome, const std::string& text) {
+void Sweep::settle(const Length& length, LengthVerdict verdict, const std::string& text) {
     Result& result = results[length.k];
-    result = {outcome, std::chrono::steady_clock::now() - length.begin, text, 0, {}};
+    result = {verdict, std::chrono::steady_clock::now() - length.begin, text, 0, {}};
     for (const char* suffix : {progressSuffix, refusalSuffix}) {
         for (std::string& line : warnings(file(length.k, suffix))) {
             result.warnings.push_back(std::move(line));
         }
     }
     if (const std::string problem = putAway(length.k); !problem.empty()) {
-        result.outcome = Outcome::refused;
+        result.verdict = LengthVerdict::refused;
         result.text = problem;
     }
-    if (result.outcome == Outcome::none) return;
+    if (result.verdict == LengthVerdict::none) return;
     last = length.k;
     std::set<pid_t> cancelled;
     for (const auto& [child, other] : running) {
@@ -246,12 +246,12 @@ void Sweep::report() {
         for (const std::string& warning : result.warnings) {
             if (warned.insert(warning).second) std::cerr << warning + '\n';
         }
-        if (result.outcome == Outcome::refused) return;
+        if (result.verdict == LengthVerdict::refused) return;
         const char* const verdict =
-            result.outcome == Outcome::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
+            result.verdict == LengthVerdict::path ? "SATISFIABLE, " : "UNSATISFIABLE, ";
         std::cerr << "k = " + std::to_string(unreported) + ": " + verdict + shown(result.time) +
                          '\n';
-        if (result.outcome == Outcome::path) return;
+        if (result.verdict == LengthVerdict::path) return;
         results.erase(unreported);
     }
 }

@@ -32,14 +32,14 @@ struct Task {
     std::size_t jobs = 1;       // lengths at a time, 1 or more
 };
 
-enum class Outcome { none, path, refused };
+enum class LengthVerdict { none, path, refused };
 
 /// What came out for one length, or for all.
 struct Result {
-    Outcome outcome = Outcome::none;
+    LengthVerdict verdict = LengthVerdict::none;
     std::chrono::duration<double> time{0};
     std::string text;                  // the path, or why there is none
-    int signal = 0;                    // not 0: ended by it, ahead of any outcome
+    int signal = 0;                    // not 0: ended by it, ahead of any verdict
     std::vector<std::string> warnings; // of tervoxal and tervoxal-path
 };
 
