@@ -20,9 +20,9 @@ public:
     /// The transitions of a network that is read and laid out; it must outlive this.
     explicit Transitions(const NetTimedModel& model);
 
-    /// The numbers of the actions that lead from one state to the other, ascending. The states differ
-    /// in the changes, which name each automaton once. Takes time for the changes and for the
-    /// actions that the index leaves, not for the whole state.
+    /// The numbers of the actions that lead from one state to the other, ascending. The states
+    /// differ in the changes, which name each automaton once. Takes time for the changes and for
+    /// the actions that the index leaves, not for the whole state.
     [[nodiscard]] std::vector<uint> actions(const State& from, const State& to,
                                             std::span<const Change> changes) const;
 
