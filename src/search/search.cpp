@@ -26,14 +26,17 @@ struct Search::Engine {
         if (search.listener.stop) solver.setStop(search.listener.stop);
     }
 
-    /// Goes on to a depth; up to `busy` each step has an action.
-    void advance(int depth, int busy) {
+    /// Goes on to a depth; up to `busy` each step has an action. False if it was stopped ahead of
+    /// that.
+    bool advance(int depth, int busy) {
         while (unrolling.depth() < depth) {
+            if (search.stopped()) return false;
             const std::int64_t before = unrolling.literals();
             unrolling.step();
             work += unrolling.literals() - before;
             if (unrolling.depth() <= busy) solver.add({unrolling.busy(unrolling.depth())});
         }
+        return true;
     }
 
     /// The condition is met at the position; where a path may have to go on behind it, there or
@@ -129,7 +132,7 @@ void Search::refute(const Open& open, int depth) {
 
 /// Whether one of the conditions is met at the depth, and notes what comes out of it.
 Solver::Verdict Search::ask(Engine& engine, int depth, const Open& open, int conflicts) {
-    engine.advance(depth, range.from);
+    if (!engine.advance(depth, range.from)) return Solver::Verdict::unknown;
     std::vector<int> goals;
     for (const std::size_t q : open) goals.push_back(engine.goal(q, depth));
     engine.solver.assume(engine.literals.some(goals));
@@ -186,7 +189,7 @@ void Search::lookForEnd(int depth) {
     possible = std::max(possible, strollLength(tables, depth));
     if (depth <= possible) return;
     if (!walker) walker = std::make_unique<Engine>(*this, Scope{Steps::serial});
-    walker->advance(depth, 0);
+    if (!walker->advance(depth, 0)) return;
     const auto endsBefore = [&](int steps) {
         walker->solver.assume(walker->unrolling.busy(steps));
         const Solver::Verdict verdict = walker->solver.solve(patience);
