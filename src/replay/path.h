@@ -32,6 +32,6 @@ struct Path {
 [[nodiscard]] Path decodePath(const NetTimedModel& model, int k, int maxVar,
                               std::span<const int> literals);
 /// Makes the steps that are chosen, from the initial state; those that change nothing are left out.
-/// Each choice is a 0 or 1 for each bit of choices.h, anything else being a 0. Linear in the
-/// choices and the moves that they choose among.
-[[nodiscard]] Path decodeChoices(const NetTimedModel& model, std::span<const std::string> choices);
+/// Each text is a 0 or 1 for each bit of choices.h, anything else being a 0. Linear in the
+/// texts and the moves that they choose among.
+[[nodiscard]] Path decodeChoices(const NetTimedModel& model, std::span<const std::string> texts);

@@ -26,7 +26,7 @@ struct Certificate {
         uint bits;
 
         [[nodiscard]] bool has(uint location) const { return (location & mask) == bits; }
-        auto operator<=>(const Places&) const = default;
+        auto operator<=>(const Places&) const = default; // NOLINT(modernize-use-nullptr)
     };
     /// States in which all of some automata are in such locations, whatever the others do.
     using Set = std::vector<Places>;

@@ -6,8 +6,8 @@
 ConditionLiterals::ConditionLiterals(const Unrolling& unrolling, Solver& solver)
     : unrolling(unrolling), solver(solver) {}
 
-int ConditionLiterals::literal(const Condition& condition, int where) {
-    position = where;
+int ConditionLiterals::literal(const Condition& condition, int position) {
+    this->position = position;
     return valueOf(condition, *this);
 }
 

@@ -9,6 +9,7 @@
 #include <cassert>
 #include <ctime>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -38,7 +39,8 @@ Condition conditionOf(const Node* root) {
         default: tokens.push_back({Term::falsity});
         }
     }
-    return {{tokens.rbegin(), tokens.rend()}};
+    std::reverse(tokens.begin(), tokens.end());
+    return {std::move(tokens)};
 }
 
 std::size_t nodes() { return BoolForm::tv.size(); }

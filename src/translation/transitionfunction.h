@@ -51,7 +51,7 @@ private:
         uint sets;
         uint clears;
 
-        auto operator<=>(const Effect&) const = default;
+        auto operator<=>(const Effect&) const = default; // NOLINT(modernize-use-nullptr)
     };
     struct Atoms;
 
