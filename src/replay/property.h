@@ -20,7 +20,7 @@
 class Property {
 public:
     /// The condition in the initial state of a network that is read and laid out.
-    Property(const NetTimedModel& model, Condition condition);
+    Property(const NetTimedModel& model, Condition asked);
 
     void change(const Change& change);
     /// Whether the condition holds in the state that it has come to.

@@ -88,8 +88,8 @@ void Answers::showJson(std::ostream& out) const {
         const Question& question = asked.questions[q];
         const Outcome answer = outcome(q);
         out << (q == 0 ? "" : ",") << "\n{\"name\":" << jsonString(question.name)
-            << ",\"expression\":" << jsonString(question.text) << ",\"answer\":\""
-            << word(answer.kind) << "\",\"verdict\":" << jsonString(answer.brief());
+            << R"(,"expression":)" << jsonString(question.text) << R"(,"answer":")"
+            << word(answer.kind) << R"(","verdict":)" << jsonString(answer.brief());
         withPath(q, [&](const Walk& walk) {
             out << ",\"k\":" << walk.length() << ',';
             showJsonPositions(out, walk);
