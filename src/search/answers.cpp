@@ -108,8 +108,11 @@ void Answers::showPath(std::ostream& out, std::size_t question, Show show) const
 void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
     FileNames fileNames;
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
-        const std::string file =
-            directory + '/' + fileNames.next(asked.questions[q].name, q + 1) + '.' + suffix;
+        std::string file = directory;
+        file += '/';
+        file += fileNames.next(asked.questions[q].name, q + 1);
+        file += '.';
+        file += suffix;
         OutputFile out(file); // which removes that of an earlier call
         withPath(q, [&](const Walk& walk) {
             std::ostringstream text;
