@@ -19,8 +19,8 @@
 /// A condition in a state that changes.
 class Property {
 public:
-    /// The condition in the initial state of a network that is read and laid out.
-    Property(const NetTimedModel& model, Condition asked);
+    /// The question in the initial state of a network that is read and laid out.
+    Property(const NetTimedModel& model, Condition question);
 
     void change(const Change& change);
     /// Whether the condition holds in the state that it has come to.

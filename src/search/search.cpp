@@ -141,6 +141,7 @@ Solver::Verdict Search::ask(Engine& engine, int depth, const Open& open, int con
     if (verdict == Solver::Verdict::satisfiable) {
         const Run run = engine.unrolling.run(depth);
         std::vector<bool> met;
+        met.reserve(goals.size());
         for (const int goal : goals) met.push_back(engine.solver.value(goal));
         for (std::size_t i = 0; i < open.size(); ++i) {
             if (met[i]) keep(open[i], run);
