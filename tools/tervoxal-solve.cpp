@@ -1,10 +1,12 @@
 // The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
 #include "answers.h"
+#include "certificate.h"
 #include "command.h"
 #include "fatal.h"
 #include "filenames.h"
 #include "names.h"
+#include "outputfile.h"
 #include "pathlength.h"
 #include "progress.h"
 #include "prover.h"
@@ -19,6 +21,7 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -66,7 +69,7 @@ struct Call {
     Show show;
     long seconds;
     bool prove;
-    long proveSeconds;
+    std::chrono::seconds proveSeconds;
     Answers::Asked asked;
 };
 
@@ -84,7 +87,7 @@ Call::Call(const CommandLine& line) {
     range.any = line.has("any");
     seconds = line.number("time", 1, greatestPathLength, 0);
     prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
-    proveSeconds = line.number("prove-time", 1, greatestPathLength, 60);
+    proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
     if (line.has("certificate") && many) line.misused("--certificate is of one question");
     format = line.value("format", "text");
     show = showOf(format);
@@ -129,6 +132,20 @@ void showMany(const CommandLine& line, const Call& call, const Answers& answers)
     }
 }
 
+/// What the proof rests on, if there is one.
+void writeCertificate(const std::string& file, const Call& call, const Search& search,
+                      const Names& names) {
+    const Finding& finding = search.findings()[0];
+    if (!finding.certificate) return;
+    std::ostringstream text;
+    text << "# " << readable(call.asked.network + ": never " + call.asked.questions[0].text)
+         << '\n';
+    showCertificate(text, search.networkTables().model, names, *finding.certificate);
+    OutputFile out(file);
+    out.write(text.view());
+    if (!out.close()) error("cannot write " + file);
+}
+
 void makeDirectory(const std::string& name) {
     std::error_code problem;
     std::filesystem::create_directories(name, problem);
@@ -141,7 +158,7 @@ int main(int argc, char* argv[]) {
     const CommandLine line(command, argc, argv);
     std::ios::sync_with_stdio(false);
     Call call(line);
-    const Clock::time_point deadline = Clock::now() + std::chrono::seconds(call.seconds);
+    const Clock::time_point begin = Clock::now();
 
     NetTimedModel model;
     Names names;
@@ -160,9 +177,16 @@ int main(int argc, char* argv[]) {
     listener.found = [&](const Finding& finding) { progress.found(*running, *known, finding); };
     listener.proved = [&](const Finding& finding) { progress.proved(*running, *known, finding); };
     std::optional<Prover> prover;
-    const auto late = [&] { return call.seconds > 0 && Clock::now() >= deadline; };
+    const auto late = [&] {
+        return call.seconds > 0 && Clock::now() >= begin + std::chrono::seconds(call.seconds);
+    };
     if (call.seconds > 0 || call.prove) {
         listener.stop = [&] { return late() || (prover && prover->ready()); };
+    }
+    if (call.prove) {
+        listener.proving = [&] {
+            return prover && (prover->working() || Clock::now() < begin + call.proveSeconds);
+        };
     }
     Search search(model, std::move(conditions), call.asked.range, listener);
     const Answers answers(call.asked, search, names);
@@ -172,9 +196,7 @@ int main(int argc, char* argv[]) {
         const std::vector<Question>& questions = call.asked.questions;
         prover.emplace(
             search, names,
-            Prover::Setting{std::chrono::seconds(call.proveSeconds), line.value("certificate", ""),
-                            readable(call.asked.network + ": never " + questions[0].text),
-                            [&](std::size_t question, const std::string& why) {
+            Prover::Setting{call.proveSeconds, [&](std::size_t question, const std::string& why) {
                                 progress.end();
                                 std::cerr << "proof: "
                                           << (call.many ? questions[question].name + ": " : "")
@@ -191,6 +213,9 @@ int main(int argc, char* argv[]) {
         }
     }
     progress.end();
+    if (line.has("certificate")) {
+        writeCertificate(line.value("certificate", ""), call, search, names);
+    }
 
     if (call.many) {
         showMany(line, call, answers);

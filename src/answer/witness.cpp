@@ -34,7 +34,7 @@ public:
         if (shape.latches > 0 && at < lines.size()) checkStart(lines[at++]);
         std::vector<std::string> steps;
         for (; at < lines.size(); ++at) {
-            checkValues(lines[at], shape.inputs, "inputs");
+            checkValues(lines[at], shape.inputs, "input", "inputs");
             steps.push_back(std::move(lines[at].text));
         }
         if (shape.inputs > 0 && steps.empty()) error(name + ": no witness; empty or cut off");
@@ -74,18 +74,20 @@ private:
         refuse(line, "neither 0, 1 nor 2: '" + excerpt(line.text) + "'");
     }
 
-    void checkValues(const Line& line, std::size_t count, const char* what) const {
+    void checkValues(const Line& line, std::size_t count, const char* one,
+                     const char* several) const {
         if (line.text.find_first_not_of("01x") != std::string::npos) {
             refuse(line, "values are 0, 1 or x: '" + excerpt(line.text) + "'");
         }
         if (line.text.size() != count) {
-            refuse(line, "the circuit has " + std::to_string(count) + ' ' + what + ", not " +
+            refuse(line, "the circuit has " + std::to_string(count) + ' ' +
+                             (count == 1 ? one : several) + ", not " +
                              std::to_string(line.text.size()));
         }
     }
 
     void checkStart(const Line& line) const {
-        checkValues(line, shape.latches, "latches");
+        checkValues(line, shape.latches, "latch", "latches");
         const std::size_t set = line.text.find('1');
         if (set == std::string::npos) return;
         refuse(line, "latch " + std::to_string(set) + " is 0 at the start, not 1");

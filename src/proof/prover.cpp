@@ -2,7 +2,6 @@
 
 #include "choices.h"
 #include "fatal.h"
-#include "outputfile.h"
 #include "reachability.h"
 #include "transitions.h"
 #include "walk.h"
@@ -24,20 +23,30 @@ Certificate certificateOf(const NetTimedModel& model, const std::vector<Cube>& c
     for (uint a = 1; a < model.nrOfBits.size(); ++a) {
         automatonOf.insert(automatonOf.end(), static_cast<std::size_t>(model.nrOfBits[a]), a);
     }
+    struct Bits {
+        uint mask = 0;
+        uint value = 0;
+    };
     Certificate certificate;
     for (const Cube& cube : cubes) {
-        std::map<uint, Certificate::Places> places;
+        std::map<uint, Bits> fixed;
         for (const Cube::Latch& latch : cube.latches) {
             const uint a = automatonOf[latch.number];
             const uint bit =
                 1U << (static_cast<uint>(latch.number) - static_cast<uint>(model.bitShift[a]));
-            Certificate::Places& own =
-                places.try_emplace(a, Certificate::Places{a, 0, 0}).first->second;
-            own.mask |= bit;
-            if (latch.value) own.bits |= bit;
+            fixed[a].mask |= bit;
+            if (latch.value) fixed[a].value |= bit;
         }
         Certificate::Set& set = certificate.sets.emplace_back();
-        for (const auto& [a, own] : places) set.push_back(own);
+        for (const auto& [a, bits] : fixed) {
+            Certificate::Places places{a, {}};
+            for (auto vert = model.verts.lower_bound({a, 0});
+                 vert != model.verts.end() && vert->first.first == a; ++vert) {
+                const uint l = vert->first.second;
+                if ((l & bits.mask) == bits.value) places.locations.push_back(l);
+            }
+            set.push_back(std::move(places));
+        }
     }
     return certificate;
 }
@@ -111,18 +120,8 @@ void Prover::prove(const std::string& invariant, const std::string& source) {
     const Certificate certificate =
         certificateOf(model, readInvariant(in, "the certificate of " + source,
                                            static_cast<std::size_t>(model.totalNrVertBits)));
-    const std::string fault =
-        certificateFault(search.networkTables(), certificate, finding().condition);
+    const std::string fault = search.exclude({question}, certificate);
     if (!fault.empty()) error("the certificate of " + source + " proves nothing: " + fault);
-    if (!setting.certificateFile.empty()) {
-        std::ostringstream text;
-        text << "# " << setting.certificateHead << '\n';
-        showCertificate(text, model, names, certificate);
-        OutputFile out(setting.certificateFile);
-        out.write(text.view());
-        if (!out.close()) error("cannot write " + setting.certificateFile);
-    }
-    search.exclude(question);
 }
 
 void Prover::refute(const std::string& witness, const std::string& source) {

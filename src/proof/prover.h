@@ -32,9 +32,6 @@ class Prover {
 public:
     struct Setting {
         std::chrono::seconds limit; // for each question
-        std::string
-            certificateFile; // takes the last invariant that was checked, if it is not empty
-        std::string certificateHead; // a line in that file
         /// Told why there is no proof of a question.
         std::function<void(std::size_t question, const std::string& why)> unproved;
     };
@@ -51,7 +48,7 @@ public:
     [[nodiscard]] bool working();
     /// Tells the search what came out and begins with the next question; not while the search runs.
     /// Ends the process by a signal that came, and with status 1 and one line on standard error
-    /// where a certificate or a witness is refused or the certificate cannot be written.
+    /// where a certificate or a witness is refused.
     void take();
 
 private:

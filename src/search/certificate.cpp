@@ -6,7 +6,6 @@
 #include "unrolling.h"
 #include "vocabulary.h"
 
-#include <limits>
 #include <map>
 #include <utility>
 
@@ -53,12 +52,8 @@ private:
 
     [[nodiscard]] int placesAt(const Certificate::Places& places, int position) {
         std::vector<int> in;
-        const auto end =
-            tables.model.verts.upper_bound({places.automaton, std::numeric_limits<uint>::max()});
-        for (auto l = tables.model.verts.lower_bound({places.automaton, 0}); l != end; ++l) {
-            const uint location = l->first.second;
+        for (const uint location : places.locations) {
             const Tables::Place place = tables.place(places.automaton, location);
-            if (!places.has(location)) continue;
             if (place.always) in.push_back(unrolling.truth());
             if (place.location) in.push_back(unrolling.location(position, *place.location));
         }
@@ -75,12 +70,14 @@ private:
 } // namespace
 
 std::string certificateFault(const Tables& tables, const Certificate& certificate,
-                             const Condition& condition) {
+                             const std::vector<const Condition*>& conditions) {
     Checked first(tables, certificate, true);
     if (first.meetsSet()) return "the initial state is in a set of states that it excludes";
     Checked any(tables, certificate, false);
     any.leaveSets();
-    if (any.meets(condition)) return "what is asked holds in a state that it does not exclude";
+    for (const Condition* condition : conditions) {
+        if (any.meets(*condition)) return "what is asked holds in a state that it does not exclude";
+    }
     any.step();
     if (any.meetsSet()) return "a step leads into a set of states that it excludes";
     return "";

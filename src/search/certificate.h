@@ -13,19 +13,22 @@
 #include "names.h"
 #include "tables.h"
 
+#include <algorithm>
 #include <compare>
 #include <ostream>
 #include <string>
 #include <vector>
 
 struct Certificate {
-    /// The locations of an automaton that have some bits of their number in common.
+    /// Some locations of an automaton, by ascending number. Those that the tables do without may be
+    /// among them or not.
     struct Places {
         uint automaton;
-        uint mask;
-        uint bits;
+        std::vector<uint> locations;
 
-        [[nodiscard]] bool has(uint location) const { return (location & mask) == bits; }
+        [[nodiscard]] bool has(uint location) const {
+            return std::ranges::binary_search(locations, location);
+        }
         auto operator<=>(const Places&) const = default; // NOLINT(modernize-use-nullptr)
     };
     /// States in which all of some automata are in such locations, whatever the others do.
@@ -34,10 +37,10 @@ struct Certificate {
     std::vector<Set> sets;
 };
 
-/// Checks all three by a solver call each, on the steps that the search takes. Gives what fails, or
-/// an empty text.
+/// Checks all three by a solver call each, on the steps that the search takes, the second one for
+/// each of the conditions. Gives what fails, or an empty text.
 [[nodiscard]] std::string certificateFault(const Tables& tables, const Certificate& certificate,
-                                           const Condition& condition);
+                                           const std::vector<const Condition*>& conditions);
 
 /// Writes a line `NAME: EXPRESSION` for each set, which is a file of questions: no reachable state
 /// answers any of them. An automaton or a location stands under its name, or under its number where

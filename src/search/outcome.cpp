@@ -28,7 +28,7 @@ std::string Outcome::full() const {
 
 Outcome outcomeOf(const Search& search, const Finding& finding, const Search::Range& range) {
     using Kind = Outcome::Kind;
-    if (finding.proved) return {Kind::never, ": proved and checked"};
+    if (finding.certificate) return {Kind::never, ": proved and checked"};
     if (finding.never) return {Kind::never, ": no path has more than " + steps(search.longest())};
     if (finding.found && finding.length() <= range.to) {
         const bool told = finding.least() || range.any;

@@ -4,8 +4,9 @@
 #include "stroll.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstdint>
-#include <limits>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -13,8 +14,9 @@ namespace {
 constexpr int unlimited = -1;
 
 /// A conflict takes about as much time as it takes to give the solver one of that many literals of
-/// its clauses: measured 50 to 70 where actions are ordered, 400 elsewhere.
-constexpr std::int64_t conflictShare(Steps steps) { return steps == Steps::ordered ? 50 : 400; }
+/// its clauses: measured 400. Those of the hunter count twice, since where it has many there mostly
+/// is no path.
+constexpr std::int64_t conflictShare(Steps steps) { return steps == Steps::ordered ? 200 : 400; }
 
 } // namespace
 
@@ -31,9 +33,9 @@ struct Search::Engine {
     bool advance(int depth, int busy) {
         while (unrolling.depth() < depth) {
             if (search.stopped()) return false;
-            const std::int64_t before = unrolling.literals();
+            const std::int64_t before = unrolling.size();
             unrolling.step();
-            work += unrolling.literals() - before;
+            work += unrolling.size() - before;
             if (unrolling.depth() <= busy) solver.add({unrolling.busy(unrolling.depth())});
         }
         return true;
@@ -55,7 +57,7 @@ struct Search::Engine {
     /// Adds to the work what the last question has cost.
     void count() {
         const std::int64_t now = solver.conflicts();
-        work += (now - conflictsBefore) * (unrolling.literals() / conflictShare(steps) + 1);
+        work += (now - conflictsBefore) * (unrolling.size() / conflictShare(steps) + 1);
         conflictsBefore = now;
     }
 
@@ -69,7 +71,7 @@ struct Search::Engine {
     std::int64_t conflictsBefore = 0;
     int conflicts = steps == Steps::ordered ? 200 : 2000; // what a question may cost
     int depth = -1;                                       // of the hunter: the last one asked
-    int stride = 1;                                       // of the others
+    int stride = 1;                                       // of the climber
 };
 
 Search::Search(const NetTimedModel& model, std::vector<Condition> conditions, const Range& range,
@@ -90,11 +92,15 @@ int Search::limit(const Finding& finding) const {
     return finding.found ? std::min(finding.length() - 1, range.to) : range.to;
 }
 
-/// The climber works on what has a path, the others on what has none.
-Search::Open Search::openFor(Steps steps) const {
+/// Where there is a path, what is left is whether there is a shorter one. Frames know nothing of
+/// paths that have to go on.
+Search::Open Search::openFor(Worker worker) const {
     Open open;
+    if (worker == learner && range.from > 0) return open;
+    const bool proving = worker == learner && listener.proving && listener.proving();
     for (std::size_t q = 0; q < all.size(); ++q) {
-        if (!settled(all[q]) && all[q].found == (steps == Steps::serial)) open.push_back(q);
+        const bool left = proving ? !all[q].never : !settled(all[q]);
+        if (left && (worker == climber || !all[q].found)) open.push_back(q);
     }
     return open;
 }
@@ -154,20 +160,24 @@ Solver::Verdict Search::ask(Engine& engine, int depth, const Open& open, int con
 }
 
 /// A path at all, at depths that grow whether or not they are refuted.
-void Search::hunt(Engine& engine, const Open& open, int conflicts) {
+void Search::hunt(const Open& open, bool alone) {
+    Engine& hunting = engine(hunter);
     const int next =
-        engine.depth < range.from ? range.from : engine.depth + std::max(1, engine.depth / 2);
-    engine.depth = std::min(next, range.to);
-    if (ask(engine, engine.depth, open, conflicts) == Solver::Verdict::unknown) {
-        engine.conflicts += engine.conflicts / 2;
+        hunting.depth < range.from ? range.from : hunting.depth + std::max(1, hunting.depth / 2);
+    hunting.depth = std::min(next, range.to);
+    const int conflicts = alone ? unlimited : hunting.conflicts;
+    if (ask(hunting, hunting.depth, open, conflicts) == Solver::Verdict::unknown) {
+        hunting.conflicts += hunting.conflicts / 2;
     }
 }
 
-/// The next depth up, for those that it is open for. The strides grow as long as there are answers.
-void Search::ascend(Engine& engine, const Open& open, int conflicts) {
+/// The next depth up, for those that it is open for. The strides grow while answers are easy: on
+/// hard ones, no more than a few depths at a time are refuted deeper in the same time than more.
+void Search::climb(const Open& open, bool alone) {
+    Engine& climbing = engine(climber);
     int base = range.to;
     for (const std::size_t q : open) base = std::min(base, all[q].refuted);
-    int depth = std::min(range.to, base + engine.stride);
+    int depth = std::min(range.to, base + climbing.stride);
     for (const std::size_t q : open) {
         if (all[q].refuted == base) depth = std::min(depth, limit(all[q]));
     }
@@ -175,11 +185,30 @@ void Search::ascend(Engine& engine, const Open& open, int conflicts) {
     for (const std::size_t q : open) {
         if (all[q].refuted < depth && limit(all[q]) >= depth) asked.push_back(q);
     }
-    if (ask(engine, depth, asked, conflicts) == Solver::Verdict::unknown) {
-        if (engine.stride == 1) engine.conflicts *= 2;
-        engine.stride = std::max(1, (depth - base) / 2);
-    } else {
-        engine.stride = std::min(2 * engine.stride, std::max(1, depth / 2));
+    const bool patient = alone && climbing.stride == 1;
+    const std::int64_t before = climbing.solver.conflicts();
+    if (ask(climbing, depth, asked, patient ? unlimited : climbing.conflicts) ==
+        Solver::Verdict::unknown) {
+        if (climbing.stride == 1) climbing.conflicts *= 2;
+        climbing.stride = std::max(1, (depth - base) / 2);
+    } else if (climbing.solver.conflicts() - before < climbing.conflicts / 4) {
+        climbing.stride = std::min(2 * climbing.stride, std::max(1, depth / 2));
+    }
+}
+
+/// What can never be met, and what can.
+void Search::learn(const Open& open) {
+    if (!frames) frames = std::make_unique<Frames>(tables, listener.stop);
+    std::vector<Frames::Asked> asked;
+    for (const std::size_t q : open) asked.push_back({q, &all[q].condition});
+    switch (frames->work(asked)) {
+    case Frames::Event::pause: break;
+    case Frames::Event::refuted: refute(open, std::min(frames->refuted(), range.to)); break;
+    case Frames::Event::met: keep(frames->question(), frames->run()); break;
+    case Frames::Event::closed:
+        const std::string fault = exclude(open, frames->invariant());
+        assert(fault.empty());
+        break;
     }
 }
 
@@ -207,30 +236,43 @@ void Search::lookForEnd(int depth) {
 }
 
 void Search::run() {
-    constexpr std::array<Steps, 3> kinds = {Steps::ordered, Steps::parallel, Steps::serial};
     while (!stopped()) {
-        std::size_t next = kinds.size();
+        std::optional<Worker> next;
         std::array<Open, 3> open;
         int working = 0;
-        for (std::size_t i = 0; i < kinds.size(); ++i) {
-            open[i] = openFor(kinds[i]);
-            if (open[i].empty()) {
-                engines[i].reset();
+        for (const Worker worker : {hunter, climber, learner}) {
+            open[worker] = openFor(worker);
+            if (open[worker].empty()) {
+                dismiss(worker);
                 continue;
             }
             ++working;
-            if (next == kinds.size() || work(i) < work(next)) next = i;
+            if (!next || work(worker) < work(*next)) next = worker;
         }
-        if (working == 0) return;
-        if (!engines[next]) engines[next] = std::make_unique<Engine>(*this, scopeOf(kinds[next]));
-        Engine& engine = *engines[next];
-        const int conflicts = working == 1 ? unlimited : engine.conflicts;
-        if (kinds[next] == Steps::ordered) {
-            hunt(engine, open[next], conflicts);
-        } else {
-            ascend(engine, open[next], conflicts);
+        if (!next) return;
+        switch (*next) {
+        case hunter: hunt(open[hunter], working == 1); break;
+        case climber: climb(open[climber], working == 1); break;
+        case learner: learn(open[learner]); break;
         }
     }
+}
+
+void Search::dismiss(Worker worker) {
+    if (worker == learner) {
+        frames.reset();
+    } else {
+        engines[worker].reset();
+    }
+}
+
+Search::Engine& Search::engine(Worker worker) {
+    std::unique_ptr<Engine>& one = engines[worker];
+    if (!one) {
+        one = std::make_unique<Engine>(*this,
+                                       scopeOf(worker == hunter ? Steps::ordered : Steps::serial));
+    }
+    return *one;
 }
 
 void Search::offer(std::size_t question, Run path) {
@@ -238,16 +280,27 @@ void Search::offer(std::size_t question, Run path) {
     if (path.size() >= least) keep(question, path);
 }
 
-void Search::exclude(std::size_t question) {
-    all[question].never = true;
-    all[question].proved = true;
-    if (listener.proved) listener.proved(all[question]);
+std::string Search::exclude(const std::vector<std::size_t>& questions,
+                            const Certificate& certificate) {
+    std::vector<const Condition*> conditions;
+    for (const std::size_t q : questions) conditions.push_back(&all[q].condition);
+    std::string fault = certificateFault(tables, certificate, conditions);
+    if (!fault.empty()) return fault;
+    const auto shared = std::make_shared<const Certificate>(certificate);
+    for (const std::size_t q : questions) {
+        all[q].never = true;
+        all[q].certificate = shared;
+        if (listener.proved) listener.proved(all[q]);
+    }
+    return fault;
 }
 
-/// What an engine has done, as it counts for whose turn it is. The hunter has first call: mostly it
-/// finds a path within a few steps if there is one.
-std::int64_t Search::work(std::size_t i) const {
-    if (engines[i]) return engines[i]->work;
-    if (i == 0) return 0;
-    return engines[0] ? 4 * engines[0]->unrolling.stepLiterals() : 0;
+/// What one has done, as it counts for whose turn it is. The hunter has first call: mostly it finds
+/// a path within a few steps if there is one.
+std::int64_t Search::work(Worker worker) const {
+    if (worker == learner ? frames != nullptr : engines[worker] != nullptr) {
+        return worker == learner ? frames->effort() : engines[worker]->work;
+    }
+    if (worker == hunter) return 0;
+    return engines[hunter] ? 4 * engines[hunter]->unrolling.stepLiterals() : 0;
 }

@@ -1,20 +1,23 @@
 // The search for paths: for each of some conditions, a path of a network that meets it, the least
-// length of one, or that there is none. Three unrollings share the work:
+// length of one, or that there is none. Three share the work:
 //
-//     hunter    actions in a fixed order, many in a step   finds a path in few steps
-//     refuter   independent actions in a step              refutes lengths fast while none is known
-//     climber   one action in a step                       finds the least length once one is known
+//     hunter    an unrolling with many actions in a step      finds a path in few steps
+//     climber   an unrolling with one action in each step     refutes lengths, finds the least
+//     learner   frames                                        proves that there is no path
 //
-// In each a step may be idle, so a depth that is refuted refutes all lengths up to it, and not each
-// depth is asked. All speak of all conditions that are open for them, under the one assumption that
-// some of these is met: one answer refutes them all, and a path is looked at for each.
+// In an unrolling a step may be idle, so a depth that is refuted refutes all lengths up to it, and
+// not each depth is asked. All speak of all conditions that are open for them, under the one
+// assumption that some of these is met: one answer refutes them all, and a path is looked at for
+// each.
 //
-// They take turns: the one that has done the least goes on. Its work is counted in clauses and
-// conflicts, not in seconds, so that the same input gives the same paths.
+// They take turns: the one that has done the least goes on. Its work is counted in clauses,
+// conflicts and questions to a solver, not in seconds, so that the same input gives the same paths.
 
 #pragma once
 
+#include "certificate.h"
 #include "condition.h"
+#include "frames.h"
 #include "run.h"
 #include "tables.h"
 #include "unrolling.h"
@@ -24,6 +27,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 /// What is known of one condition.
@@ -33,9 +37,10 @@ struct Finding {
     /// if nothing is known.
     int refuted;
     bool found = false;
-    Run path{};          // if found
-    bool never = false;  // no path of any length meets it
-    bool proved = false; // that was proved outside of the search
+    Run path{};         // if found
+    bool never = false; // no path of any length meets it
+    /// Why that is so, if it was proved and not just seen that paths end.
+    std::shared_ptr<const Certificate> certificate{};
     [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
     /// No shorter path meets it.
     [[nodiscard]] bool least() const { return found && refuted + 1 >= length(); }
@@ -52,8 +57,10 @@ public:
     struct Listener {
         std::function<void()> refuted;              // of some condition a longer length
         std::function<void(const Finding&)> found;  // a path, or a shorter one
-        std::function<void(const Finding&)> proved; // by exclude
+        std::function<void(const Finding&)> proved; // that there is none, by a certificate
         std::function<bool()> stop; // asked often: whether to end ahead of the answer
+        /// Whether to go on for a proof where all lengths are refuted that are asked for.
+        std::function<bool()> proving;
     };
 
     /// The model must outlive the search.
@@ -70,8 +77,9 @@ public:
 
     /// A path that meets a condition. It counts if it is shorter than what is known.
     void offer(std::size_t question, Run path);
-    /// No path of any length meets a condition.
-    void exclude(std::size_t question);
+    /// No path of any length meets the conditions, if the certificate holds: gives what fails, or
+    /// an empty text.
+    std::string exclude(const std::vector<std::size_t>& questions, const Certificate& certificate);
 
     /// Whether nothing is left to find out about a condition.
     [[nodiscard]] bool settled(const Finding& finding) const;
@@ -84,15 +92,19 @@ public:
     [[nodiscard]] const Tables& networkTables() const { return tables; }
 
 private:
+    enum Worker : std::size_t { hunter, climber, learner };
     struct Engine;
     using Open = std::vector<std::size_t>;
 
     [[nodiscard]] int limit(const Finding& finding) const;
-    [[nodiscard]] Open openFor(Steps steps) const;
+    [[nodiscard]] Open openFor(Worker worker) const;
     [[nodiscard]] Scope scopeOf(Steps steps) const;
-    [[nodiscard]] std::int64_t work(std::size_t i) const;
-    void hunt(Engine& engine, const Open& open, int conflicts);
-    void ascend(Engine& engine, const Open& open, int conflicts);
+    [[nodiscard]] std::int64_t work(Worker worker) const;
+    void dismiss(Worker worker);
+    Engine& engine(Worker worker);
+    void hunt(const Open& open, bool alone);
+    void climb(const Open& open, bool alone);
+    void learn(const Open& open);
     Solver::Verdict ask(Engine& engine, int depth, const Open& open, int conflicts);
     void keep(std::size_t question, const Run& run);
     void refute(const Open& open, int depth);
@@ -103,9 +115,10 @@ private:
     const Range range;
     const Listener listener;
     std::vector<Finding> all;
-    std::array<std::unique_ptr<Engine>, 3> engines;
-    std::unique_ptr<Engine> walker; // one action in each step
-    bool lost = false;              // it did not get an answer
-    int possible = 0;               // there are paths of that many steps
+    std::array<std::unique_ptr<Engine>, 2> engines; // of hunter and climber
+    std::unique_ptr<Frames> frames;                 // of learner
+    std::unique_ptr<Engine> walker;                 // one action in each step
+    bool lost = false;                              // it did not get an answer
+    int possible = 0;                               // there are paths of that many steps
     int greatest = -1;
 };

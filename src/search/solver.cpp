@@ -54,6 +54,11 @@ void Solver::add(std::initializer_list<int> clause) {
 
 void Solver::assume(int literal) { library->solver.assume(literal); }
 
+void Solver::constrain(std::span<const int> clause) {
+    for (const int literal : clause) library->solver.constrain(literal);
+    library->solver.constrain(0);
+}
+
 Solver::Verdict Solver::solve(int conflicts) {
     library->solver.limit("conflicts", conflicts);
     switch (library->solver.solve()) {
@@ -64,6 +69,8 @@ Solver::Verdict Solver::solve(int conflicts) {
 }
 
 bool Solver::value(int literal) const { return library->solver.val(literal) > 0; }
+
+bool Solver::failed(int literal) const { return library->solver.failed(literal); }
 
 void Solver::setStop(std::function<bool()> stop) {
     library->stop = std::move(stop);

@@ -33,6 +33,8 @@ public:
 
     /// For the next question alone.
     void assume(int literal);
+    /// One of the literals, likewise for the next question alone. One clause at a time.
+    void constrain(std::span<const int> clause);
     /// Gives up, with unknown, when it has met that many conflicts, -1 for any number, or when it
     /// is stopped. The same calls give the same answers, but for the stop.
     [[nodiscard]] Verdict solve(int conflicts);
@@ -40,6 +42,9 @@ public:
     [[nodiscard]] std::int64_t conflicts() const;
     /// In the model; precondition: the last question was satisfiable.
     [[nodiscard]] bool value(int literal) const;
+
+    /// Whether an assumption was used; precondition: the last question was unsatisfiable.
+    [[nodiscard]] bool failed(int literal) const;
 
     /// Asks often from now on whether to stop.
     void setStop(std::function<bool()> stop);

@@ -30,6 +30,7 @@ Unrolling::Unrolling(const Tables& tables, Solver& solver, const Scope& scope, S
 void Unrolling::step() {
     const auto size = static_cast<std::int64_t>(clauses.variables.size());
     stateAt.push_back(solver.newVariables(size - clauses.stateSize));
+    given += size;
     std::size_t begin = 0;
     for (int step = depth() - 1; const std::size_t end : clauses.clausesEnd) {
         if (step < 0) break;

@@ -2,11 +2,10 @@
 // tells a run from its first position to its last. Only what is new at a position is given to the
 // solver, and questions about it are asked under assumptions.
 //
-// A step holds no action, one (serial), any of which no two share an automaton that moves
-// (parallel), or any in a fixed order, in which an automaton may move more than once (ordered). In
-// each case they can be taken one behind the other, so a model of n steps is a path, of any length.
-// And a path of up to n steps is a model of n steps: with one action in a step at most, and idle
-// steps. So what is refuted at a depth is refuted for all paths of up to that many steps.
+// A step holds no action or one (serial), or any in a fixed order (ordered). These can be taken one
+// behind the other, so a model of n steps is a path, of any length. And a path of up to n steps is
+// a model of n steps: with one action in a step at most, and idle steps. So what is refuted at a
+// depth is refuted for all paths of up to that many steps.
 
 #pragma once
 
@@ -42,8 +41,9 @@ public:
     /// The actions up to a position in the model, in an order in which they can be taken.
     [[nodiscard]] Run run(int position) const;
 
-    /// The literals of the clauses that the solver has been given, and of those of one step.
-    [[nodiscard]] std::int64_t literals() const { return given; }
+    /// The variables and the literals of the clauses that the solver has been given, and the
+    /// literals of one step.
+    [[nodiscard]] std::int64_t size() const { return given; }
     [[nodiscard]] std::int64_t stepLiterals() const {
         return static_cast<std::int64_t>(clauses.clauses.size());
     }

@@ -37,6 +37,14 @@ int least(const NetTimedModel& model, const RandomQuestion& question, const Sear
     return -1;
 }
 
+/// Where there is no path, how that was found out depends on what else is asked.
+std::vector<std::string> withoutReasons(std::vector<std::string> lines) {
+    for (std::string& line : lines) {
+        if (line.find(": path") == std::string::npos) line.resize(line.find(": "));
+    }
+    return lines;
+}
+
 TEST(Answers, areThoseOfEachQuestionAloneAndOfTheStates) {
     int paths = 0;
     Random random(1);
@@ -69,7 +77,7 @@ TEST(Answers, areThoseOfEachQuestionAloneAndOfTheStates) {
                 << questions[q].text;
             paths += k < 0 ? 0 : 1;
         }
-        EXPECT_EQ(lines(model, asked), alone) << file;
+        EXPECT_EQ(withoutReasons(lines(model, asked)), withoutReasons(alone)) << file;
     }
     EXPECT_NEAR(paths, 700, 300);
 }
