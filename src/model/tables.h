@@ -9,7 +9,8 @@
 // What a run may come to is found as if the automata were alone: an action is taken when each of
 // its participants has come to one of the sources of its moves, by whatever way. The round in which
 // a location or an action is found is its layer: no run comes to the location, or can take the
-// action, at an earlier position.
+// action, at an earlier position. That holds as well where a step is many actions, as long as no
+// automaton moves twice in it.
 //
 // For examples/two, whose automata have the locations 0, 1 and 0, 1, 2:
 //

@@ -71,7 +71,7 @@ struct Search::Engine {
     std::int64_t conflictsBefore = 0;
     int conflicts = steps == Steps::ordered ? 200 : 2000; // what a question may cost
     int depth = -1;                                       // of the hunter: the last one asked
-    int stride = 1;                                       // of the climber
+    int stride = 1;                                       // of the others
 };
 
 Search::Search(const NetTimedModel& model, std::vector<Condition> conditions, const Range& range,
@@ -173,8 +173,8 @@ void Search::hunt(const Open& open, bool alone) {
 
 /// The next depth up, for those that it is open for. The strides grow while answers are easy: on
 /// hard ones, no more than a few depths at a time are refuted deeper in the same time than more.
-void Search::climb(const Open& open, bool alone) {
-    Engine& climbing = engine(climber);
+void Search::climb(Worker worker, const Open& open, bool alone) {
+    Engine& climbing = engine(worker);
     int base = range.to;
     for (const std::size_t q : open) base = std::min(base, all[q].refuted);
     int depth = std::min(range.to, base + climbing.stride);
@@ -238,9 +238,9 @@ void Search::lookForEnd(int depth) {
 void Search::run() {
     while (!stopped()) {
         std::optional<Worker> next;
-        std::array<Open, 3> open;
+        std::array<Open, 4> open;
         int working = 0;
-        for (const Worker worker : {hunter, climber, learner}) {
+        for (const Worker worker : {hunter, refuter, climber, learner}) {
             open[worker] = openFor(worker);
             if (open[worker].empty()) {
                 dismiss(worker);
@@ -252,7 +252,8 @@ void Search::run() {
         if (!next) return;
         switch (*next) {
         case hunter: hunt(open[hunter], working == 1); break;
-        case climber: climb(open[climber], working == 1); break;
+        case refuter:
+        case climber: climb(*next, open[*next], working == 1); break;
         case learner: learn(open[learner]); break;
         }
     }

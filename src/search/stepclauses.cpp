@@ -48,7 +48,7 @@ private:
     void layOutActions();
     void layOutMovers();
     void state(uint a);
-    void serial(uint a);
+    void unordered(uint a);
     void ordered(uint a);
     void ordered(uint l, std::vector<Event>& events, bool bit);
     void sortClauses();
@@ -242,17 +242,33 @@ void Maker::state(uint a) {
     if (scope.steps != Steps::ordered) atMostOne(Says::once, in);
 }
 
-void Maker::serial(uint a) {
+/// Of moves that differ in source or target one at most is possible, since the automaton is in one
+/// location at a time. So only those that are the same have to exclude each other, and tests of a
+/// location need not.
+void Maker::unordered(uint a) {
+    const std::span<Mover> moves = moversOf(a);
     const uint begin = tables.locationsBegin(a);
     const uint end = tables.automata[a].locationsEnd;
     std::vector<std::vector<int>> into(end - begin);
     std::vector<std::vector<int>> outOf(end - begin);
-    for (const Mover& move : moversOf(a)) {
-        say(Says::source, {-move.var, now(move.source)});
-        say(Says::target, {-move.var, next(move.target)});
-        if (move.source == move.target) continue;
-        into[move.target - begin].push_back(move.var);
-        outOf[move.source - begin].push_back(move.var);
+    std::stable_sort(moves.begin(), moves.end(), [](const Mover& x, const Mover& y) {
+        return std::pair(x.source, x.target) < std::pair(y.source, y.target);
+    });
+    for (std::size_t i = 0; i < moves.size();) {
+        const Mover first = moves[i];
+        std::vector<int> same;
+        for (;
+             i < moves.size() && moves[i].source == first.source && moves[i].target == first.target;
+             ++i) {
+            same.push_back(moves[i].var);
+            say(Says::source, {-moves[i].var, now(first.source)});
+            say(Says::target, {-moves[i].var, next(first.target)});
+        }
+        if (first.source == first.target) continue;
+        for (auto* list : {&into[first.target - begin], &outOf[first.source - begin]}) {
+            list->insert(list->end(), same.begin(), same.end());
+        }
+        if (scope.steps == Steps::parallel) atMostOne(Says::exclusion, same);
     }
     for (uint l = begin; l < end; ++l) {
         std::vector<int>& in = into[l - begin];
@@ -354,7 +370,7 @@ void Maker::make() {
         if (scope.steps == Steps::ordered) {
             ordered(a);
         } else {
-            serial(a);
+            unordered(a);
         }
     }
     const std::size_t alone = made.clauses.size();

@@ -5,8 +5,8 @@
 // the state that it comes to, in the same order, then those of the step. A state has a variable for
 // each location, but one for both locations of an automaton of two, which is true in the second. A
 // step has one for each action, one for each move of a participant with a choice, and some that
-// count to one. With one action in a step at most (serial), the clauses of examples/two are, by the
-// locations 0 to 4 and the actions 0 to 3 of its tables (l' is behind the step):
+// count to one. With all actions independent in a step (parallel), the clauses of examples/two are,
+// by the locations 0 to 4 and the actions 0 to 3 of its tables (l' is behind the step):
 //
 //     source, target   action 0: 3 and 4'    action 1: 0 and 1', 2 and 3'
 //                      action 2: 1 and 0'    action 3: 4 and 2'
@@ -15,13 +15,11 @@
 //                      3' and not 3: 1       not 3' and 3: 0
 //                      4' and not 4: 0       not 4' and 4: 3
 //     somewhere, once  exactly one of 2', 3', 4'
-//     exclusion        one of the actions at most
 //     busy             one of the actions, where the step has to have one
 //
 // The field calls the frame conditions explanatory frame axioms: what changes has an action that
-// changes it. So a step is linear in the transitions. With actions in a fixed order (ordered), each
-// where the ones before it have led to, an automaton may move more than once in a step; planning
-// has them as relaxed steps.
+// changes it. So a step is linear in the transitions. Steps of many actions are those of Petri nets
+// and of planning.
 
 #pragma once
 
@@ -33,7 +31,7 @@
 #include <vector>
 
 /// What may be in one step.
-enum class Steps { serial, ordered };
+enum class Steps { serial, parallel, ordered };
 
 /// The clauses by what they say.
 enum class Says {

@@ -2,10 +2,11 @@
 // tells a run from its first position to its last. Only what is new at a position is given to the
 // solver, and questions about it are asked under assumptions.
 //
-// A step holds no action or one (serial), or any in a fixed order (ordered). These can be taken one
-// behind the other, so a model of n steps is a path, of any length. And a path of up to n steps is
-// a model of n steps: with one action in a step at most, and idle steps. So what is refuted at a
-// depth is refuted for all paths of up to that many steps.
+// A step holds no action, one (serial), any of which no two share an automaton that moves
+// (parallel), or any in a fixed order, in which an automaton may move more than once (ordered). In
+// each case they can be taken one behind the other, so a model of n steps is a path, of any length.
+// And a path of up to n steps is a model of n steps: with one action in a step at most, and idle
+// steps. So what is refuted at a depth is refuted for all paths of up to that many steps.
 
 #pragma once
 

@@ -206,7 +206,7 @@ TEST(Search, provesWhatIsNeverMet) {
 }
 
 TEST(Unrolling, missesEachKindOfClauses) {
-    for (const Steps steps : {Steps::serial, Steps::ordered}) {
+    for (const Steps steps : {Steps::serial, Steps::parallel, Steps::ordered}) {
         std::set<Says> noticed;
         forEachNetwork(2, 150, [&](Random&, const NetTimedModel& model, const auto& conditions) {
             const Transitions transitions(model);
