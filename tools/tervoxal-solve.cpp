@@ -48,7 +48,7 @@ const Command command{
      {"any", "", "stop at the first path, which need not be the shortest"},
      {"time", "SECONDS", "end after SECONDS with what is known by then"},
      {"prove", "",
-      "beside that, ask a model checker for a proof that there is no path of any length"},
+      "go on for a proof that there is no path of any length, with a model checker beside"},
      {"prove-time", "SECONDS", "likewise, for SECONDS at most (60)"},
      {"certificate", "FILE", "likewise, and write what the proof rests on into FILE"},
      {"from", "K", "only paths of K steps or more (0)"},

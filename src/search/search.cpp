@@ -171,8 +171,9 @@ void Search::hunt(const Open& open, bool alone) {
     }
 }
 
-/// The next depth up, for those that it is open for. The strides grow while answers are easy: on
-/// hard ones, no more than a few depths at a time are refuted deeper in the same time than more.
+/// The next depth up, for those that it is open for. The strides of the climber grow while answers
+/// are easy: on hard ones, a few depths at a time are refuted deeper in the same time than more.
+/// Those of the refuter grow as long as there are answers, since it may come upon a path.
 void Search::climb(Worker worker, const Open& open, bool alone) {
     Engine& climbing = engine(worker);
     int base = range.to;
@@ -191,7 +192,7 @@ void Search::climb(Worker worker, const Open& open, bool alone) {
         Solver::Verdict::unknown) {
         if (climbing.stride == 1) climbing.conflicts *= 2;
         climbing.stride = std::max(1, (depth - base) / 2);
-    } else if (climbing.solver.conflicts() - before < climbing.conflicts / 4) {
+    } else if (worker == refuter || climbing.solver.conflicts() - before < climbing.conflicts / 4) {
         climbing.stride = std::min(2 * climbing.stride, std::max(1, depth / 2));
     }
 }
