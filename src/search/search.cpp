@@ -14,9 +14,8 @@ namespace {
 constexpr int unlimited = -1;
 
 /// A conflict takes about as much time as it takes to give the solver one of that many literals of
-/// its clauses: measured 400. Those of the hunter count eight times, since where it has many there
-/// mostly is no path.
-constexpr std::int64_t conflictShare(Steps steps) { return steps == Steps::ordered ? 50 : 400; }
+/// its clauses.
+constexpr std::int64_t conflictShare = 400;
 
 } // namespace
 
@@ -57,7 +56,7 @@ struct Search::Engine {
     /// Adds to the work what the last question has cost.
     void count() {
         const std::int64_t now = solver.conflicts();
-        work += (now - conflictsBefore) * (unrolling.size() / conflictShare(steps) + 1);
+        work += (now - conflictsBefore) * (unrolling.size() / conflictShare + 1);
         conflictsBefore = now;
     }
 
@@ -69,9 +68,9 @@ struct Search::Engine {
     std::vector<std::vector<int>> met; // of each condition, by position
     std::int64_t work = 0;             // in literals that are given to the solver
     std::int64_t conflictsBefore = 0;
-    int conflicts = steps == Steps::ordered ? 200 : 2000; // what a question may cost
-    int depth = -1;                                       // of the hunter: the last one asked
-    int stride = 1;                                       // of the others
+    int conflicts = steps == Steps::ordered ? 1000 : 2000; // what a question may cost
+    int depth = -1;                                        // of the hunter: the last one asked
+    int stride = 1;                                        // of the others
 };
 
 Search::Search(const NetTimedModel& model, std::vector<Condition> conditions, const Range& range,
