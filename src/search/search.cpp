@@ -284,6 +284,7 @@ void Search::offer(std::size_t question, Run path) {
 std::string Search::exclude(const std::vector<std::size_t>& questions,
                             const Certificate& certificate) {
     std::vector<const Condition*> conditions;
+    conditions.reserve(questions.size());
     for (const std::size_t q : questions) conditions.push_back(&all[q].condition);
     std::string fault = certificateFault(tables, certificate, conditions);
     if (!fault.empty()) return fault;
