@@ -270,8 +270,8 @@ void Search::dismiss(Worker worker) {
 Search::Engine& Search::engine(Worker worker) {
     std::unique_ptr<Engine>& one = engines[worker];
     if (!one) {
-        one = std::make_unique<Engine>(*this,
-                                       scopeOf(worker == hunter ? Steps::ordered : Steps::serial));
+        constexpr std::array steps{Steps::ordered, Steps::parallel, Steps::serial};
+        one = std::make_unique<Engine>(*this, scopeOf(steps[worker]));
     }
     return *one;
 }
