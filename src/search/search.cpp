@@ -105,10 +105,9 @@ Search::Open Search::openFor(Worker worker) const {
 }
 
 /// Leaves out what the open conditions cannot depend of, unless a path may have to go on with it.
-/// What actions in an order do to an automaton has to be told all at once.
 Scope Search::scopeOf(Steps steps) const {
     Scope scope{steps};
-    if (steps == Steps::ordered || range.from > 0) return scope;
+    if (range.from > 0) return scope;
     scope.lookedAt.resize(tables.automata.size());
     for (const Finding& finding : all) {
         if (settled(finding)) continue;

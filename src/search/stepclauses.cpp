@@ -52,6 +52,7 @@ private:
     void ordered(uint a);
     void ordered(uint l, std::vector<Event>& events, bool bit);
     void sortClauses();
+    void countVariables();
 
     [[nodiscard]] int now(uint l) const { return made.locations[l]; }
     [[nodiscard]] int next(uint l) const {
@@ -76,7 +77,7 @@ private:
 
 int Maker::newVar(uint late, uint ahead) {
     if (scope.steps == Steps::ordered || !scope.initial || without == Says::start) late = 0;
-    made.variables.push_back({late, ahead});
+    made.variables.push_back({late, ahead, 0});
     if (late != never) made.lastLate = std::max(made.lastLate, late);
     return static_cast<int>(made.variables.size());
 }
@@ -118,7 +119,8 @@ void Maker::atMostOne(Says what, std::span<const int> literals) {
     atMostOne(what, columns);
 }
 
-/// The distance of an automaton from those that are looked at, by actions that they share.
+/// The distance of an automaton from those that are looked at, by actions that they share. What
+/// actions in an order do to an automaton has to be told all at once.
 void Maker::measureDistances() {
     distance.assign(tables.automata.size(), 0);
     if (scope.lookedAt.empty()) return;
@@ -147,6 +149,8 @@ void Maker::measureDistances() {
             }
         }
     }
+    if (scope.steps != Steps::ordered) return;
+    for (uint& a : distance) a = a == never ? never : 0;
 }
 
 void Maker::layOutState() {
@@ -174,13 +178,14 @@ void Maker::layOutActions() {
             return tables.actions[x].layer < tables.actions[y].layer;
         });
     }
+    const uint apart = scope.steps == Steps::ordered ? 0 : 1; // an action and what it moves
     made.busy = newVar(0, 0);
     std::vector<int> some = {-made.busy};
     for (uint x = 0; x < tables.actions.size(); ++x) {
         uint ahead = scope.lookedAt.empty() ? 0 : never;
         for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
             const uint near = distance[tables.participants[p].automaton];
-            if (near != never) ahead = std::min(ahead, near + 1);
+            if (near != never) ahead = std::min(ahead, near + apart);
         }
         const uint layer = tables.actions[x].layer;
         const int action = newVar(layer, ahead);
@@ -327,7 +332,7 @@ void Maker::ordered(uint l, std::vector<Event>& events, bool bit) {
         }
         std::vector<int> same;
         for (; i < events.size() && events[i].kind == kind; ++i) same.push_back(events[i].var);
-        const int then = i >= last ? next(l) : newVar(0, 0);
+        const int then = i >= last ? next(l) : newVar(0, made.variable(value).ahead);
         const int was = kind == Kind::come ? value : -value;
         const int is = kind == Kind::come ? then : -then;
         const bool alone = bit || kind == Kind::leave;
@@ -361,6 +366,22 @@ void Maker::sortClauses() {
     made.clauses.swap(sorted);
 }
 
+/// Those of the state that the step comes to are numbered as those of the state that it leaves.
+void Maker::countVariables() {
+    const auto size = static_cast<std::size_t>(made.stateSize);
+    for (std::size_t v = 0; v < made.variables.size(); ++v) {
+        StepClauses::Variable& variable = made.variables[v];
+        if (variable.ahead == never) continue;
+        if (v >= size && v < 2 * size) {
+            variable.offset = made.variables[v - size].offset;
+            continue;
+        }
+        std::vector<uint>& blocks = v < size ? made.stateBlocks : made.stepBlocks;
+        blocks.resize(std::max<std::size_t>(blocks.size(), variable.ahead + 1));
+        variable.offset = blocks[variable.ahead]++;
+    }
+}
+
 void Maker::make() {
     measureDistances();
     layOutState();
@@ -380,6 +401,7 @@ void Maker::make() {
                                  made.clauses.end());
     }
     sortClauses();
+    countVariables();
 }
 
 } // namespace

@@ -63,10 +63,14 @@ struct StepClauses {
     StepClauses(const Tables& tables, const Scope& scope, Says without);
 
     struct Variable {
-        uint late;  // it is false in that many of the first steps
-        uint ahead; // it matters only that many steps ahead of the last position, or more
+        uint late;   // it is false in that many of the first steps
+        uint ahead;  // it matters only that many steps ahead of the last position, or more
+        uint offset; // among those of a state, or of a step, that matter as far ahead
     };
     std::vector<Variable> variables; // from 1 on
+    /// How many there are of those of a state and of those of a step, by how far ahead they matter.
+    std::vector<uint> stateBlocks;
+    std::vector<uint> stepBlocks;
     int stateSize = 0;
     int busy = 0;
     std::vector<int> locations; // in the state that is left, negative where the bit is 0

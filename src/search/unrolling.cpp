@@ -1,66 +1,100 @@
 #include "unrolling.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cassert>
+#include <cstddef>
 
 Unrolling::Unrolling(const Tables& tables, Solver& solver, const Scope& scope, Says without)
     : tables(tables), solver(solver), scope(scope), without(without),
-      clauses(tables, this->scope, without), verity(solver.newVariable()) {
+      clauses(tables, this->scope, without), verity(solver.newVariable()), states(1), steps(1) {
     solver.add({verity});
-    // The clauses of a state alone have variables of the step that leads to it.
-    stateAt.push_back(solver.newVariables(
-        scope.initial ? clauses.stateSize : std::ssize(clauses.variables) - clauses.stateSize));
     busyAt.push_back(verity);
+    allot(states[0], clauses.stateBlocks, 0);
     if (!scope.initial) {
-        const int shift =
-            stateAt[0] - 1 - clauses.stateSize; // they are about the state behind a step
-        for (const int literal : clauses.stateClauses) {
-            shifted.push_back(literal > 0 ? literal + shift : literal < 0 ? literal - shift : 0);
+        // The clauses of a state alone have variables of the step that leads to it.
+        for (std::size_t d = 0; d < clauses.stepBlocks.size(); ++d) {
+            allot(steps[0], clauses.stepBlocks, d);
         }
-        solver.add(shifted);
+        give(-1, clauses.stateClauses);
     } else if (without != Says::start) {
         for (uint l = 0; l < tables.locations.size(); ++l) {
-            if (clauses.locations[l] < 0) continue;
-            const int var = clauses.locations[l] + stateAt[0] - 1;
-            solver.add({tables.locations[l].number == 0 ? var : -var});
+            if (clauses.locations[l] > 0) starting.push_back(l);
         }
+        const auto ahead = [&](uint l) { return clauses.variable(clauses.locations[l]).ahead; };
+        std::stable_sort(starting.begin(), starting.end(),
+                         [&](uint l, uint m) { return ahead(l) < ahead(m); });
+    }
+    start();
+}
+
+/// Gives variables to those that matter so many steps ahead.
+void Unrolling::allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t ahead) {
+    if (ahead >= sizes.size()) return;
+    assert(blocks.size() == ahead);
+    blocks.push_back(solver.newVariables(sizes[ahead]));
+    given += sizes[ahead];
+}
+
+/// The initial state, as far as it matters by now.
+void Unrolling::start() {
+    for (; started < starting.size(); ++started) {
+        const uint l = starting[started];
+        const auto& [late, ahead, offset] = clauses.variable(clauses.locations[l]);
+        if (ahead > static_cast<uint>(depth())) return;
+        const int var = states[0][ahead] + static_cast<int>(offset);
+        solver.add({tables.locations[l].number == 0 ? var : -var});
     }
 }
 
 void Unrolling::step() {
-    const auto size = static_cast<std::int64_t>(clauses.variables.size());
-    stateAt.push_back(solver.newVariables(size - clauses.stateSize));
-    given += size;
+    states.emplace_back();
+    steps.emplace_back();
+    const auto last = static_cast<std::size_t>(depth());
+    const std::size_t furthest = std::max(clauses.stateBlocks.size(), clauses.stepBlocks.size());
+    for (std::size_t p = last; p > 0; --p) {
+        const std::size_t ahead = last - p + 1; // of the step that comes to it
+        if (ahead >= furthest && p < last) break;
+        for (std::size_t d = p == last ? 0 : ahead; d <= ahead; ++d) {
+            allot(states[p], clauses.stateBlocks, d);
+            allot(steps[p], clauses.stepBlocks, d);
+        }
+    }
+    allot(states[0], clauses.stateBlocks, last);
+    start();
     std::size_t begin = 0;
     for (int step = depth() - 1; const std::size_t end : clauses.clausesEnd) {
         if (step < 0) break;
         give(step--, std::span(clauses.clauses).subspan(begin, end - begin));
         begin = end;
     }
-    const int busyNow = clauses.busy + stateAt.back() - 1 - clauses.stateSize;
+    const int busyNow = number(clauses.busy, depth() - 1);
     if (without != Says::busy) solver.add({-busyNow, busyAt.back()});
     busyAt.push_back(busyNow);
+}
+
+/// Of a variable of the clauses, as that of a step from a position.
+int Unrolling::number(int var, int step) const {
+    const StepClauses::Variable& variable = clauses.variable(var);
+    const auto to = static_cast<std::size_t>(step) + 1;
+    const Blocks& blocks = var <= clauses.stateSize       ? states[to - 1]
+                           : var <= 2 * clauses.stateSize ? states[to]
+                                                          : steps[to];
+    return blocks[variable.ahead] + static_cast<int>(variable.offset);
 }
 
 /// Gives the clauses to the solver as those of a step. A clause with a variable that is still false
 /// there lacks the variable, or is left out.
 void Unrolling::give(int step, std::span<const int> literals) {
-    const auto at = static_cast<std::size_t>(step);
-    const int before = stateAt[at] - 1;
-    const int after = stateAt[at + 1] - 1 - clauses.stateSize;
-    const auto shift = [&](int var) {
-        return var > clauses.stateSize ? var + after : var + before;
-    };
     shifted.clear();
     std::size_t begin = 0; // of the clause
-    const bool filtered = static_cast<uint>(step) < clauses.lastLate;
+    const bool filtered = step < static_cast<int>(clauses.lastLate);
     for (std::size_t i = 0; i < literals.size(); ++i) {
         const int literal = literals[i];
         if (literal == 0) {
             shifted.push_back(0);
             begin = shifted.size();
         } else if (!filtered || clauses.variable(literal).late <= static_cast<uint>(step)) {
-            shifted.push_back(literal < 0 ? -shift(-literal) : shift(literal));
+            shifted.push_back(literal < 0 ? -number(-literal, step) : number(literal, step));
         } else if (literal < 0) {
             shifted.resize(begin);
             while (literals[i] != 0) ++i;
@@ -76,18 +110,20 @@ int Unrolling::location(int position, uint l) const {
     const bool anywhere = !scope.initial || without == Says::start;
     const uint first = anywhere ? 0 : scope.steps == Steps::ordered ? std::min(layer, 1U) : layer;
     if (static_cast<uint>(position) < first) return var < 0 ? verity : -verity;
-    const int base = stateAt[static_cast<std::size_t>(position)] - 1;
-    return var < 0 ? var - base : var + base;
+    const Blocks& blocks = states[static_cast<std::size_t>(position)];
+    const auto& [late, ahead, offset] = clauses.variable(var);
+    assert(ahead < blocks.size());
+    const int number = blocks[ahead] + static_cast<int>(offset);
+    return var < 0 ? -number : number;
 }
 
 Run Unrolling::run(int position) const {
     Run run;
     for (int p = 0; p < position; ++p) {
-        const int base = stateAt[static_cast<std::size_t>(p) + 1] - 1 - clauses.stateSize;
         const auto holds = [&](int var) {
-            const auto [late, ahead] = clauses.variable(var);
+            const auto& [late, ahead, offset] = clauses.variable(var);
             return late <= static_cast<uint>(p) && ahead <= static_cast<uint>(position - p) &&
-                   solver.value(var + base);
+                   solver.value(number(var, p));
         };
         for (const uint x : clauses.order) {
             if (!holds(clauses.actions[x])) continue;

@@ -28,11 +28,12 @@ public:
     /// One more position.
     void step();
     /// The last position.
-    [[nodiscard]] int depth() const { return static_cast<int>(stateAt.size()) - 1; }
+    [[nodiscard]] int depth() const { return static_cast<int>(states.size()) - 1; }
 
     /// A literal that is true.
     [[nodiscard]] int truth() const { return verity; }
-    /// The automaton of the location is in it, at a position from 0 to depth().
+    /// The automaton of the location is in it, at a position from 0 to depth(). Precondition,
+    /// asserted: it can matter at the last position.
     [[nodiscard]] int location(int position, uint l) const;
     /// All steps up to a position have an action. Precondition: the scope is all that can happen.
     [[nodiscard]] int busy(int position) const {
@@ -52,6 +53,12 @@ public:
     const Tables& tables;
 
 private:
+    /// The first variable of each block of a state or of a step: those that matter in the last
+    /// state, one step ahead, two, ... Only what has come to matter has variables.
+    using Blocks = std::vector<int>;
+    void allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t ahead);
+    void start();
+    [[nodiscard]] int number(int var, int step) const;
     void give(int step, std::span<const int> literals);
 
     Solver& solver;
@@ -59,8 +66,11 @@ private:
     const Says without;
     const StepClauses clauses;
     int verity;
-    std::vector<int> stateAt; // of each position, the first variable
+    std::vector<Blocks> states; // by position
+    std::vector<Blocks> steps;  // by the position that they come to
     std::vector<int> busyAt;
+    std::vector<uint> starting; // locations by how far ahead they matter
+    std::size_t started = 0;    // those that are told what they are at position 0
     std::vector<int> shifted; // the clauses at hand
     std::int64_t given = 0;
 };
