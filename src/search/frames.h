@@ -92,6 +92,7 @@ private:
     [[nodiscard]] Locations before(const Taken& taken, const Locations& cube) const;
     [[nodiscard]] Locations lemmaAgainst(const Locations& cube, std::size_t frame);
     void shrinkToUsed(Locations& lemma) const;
+    void keep(Locations lemma, std::size_t frame);
     [[nodiscard]] bool pushOn();
 
     /// In the state that a step leaves, and in the one that it comes to.
@@ -106,6 +107,7 @@ private:
     std::vector<int> active;                    // of each frame, the literal under which it holds
     std::vector<std::vector<Locations>> lemmas; // of each frame, those that the next one lacks
     std::size_t given = 0;                      // lemmas, to the solver at hand
+    std::int64_t givenLiterals = 0;             // of them
     std::vector<Obligation> obligations;
     std::map<std::size_t, std::vector<std::size_t>> open; // obligations by the frame they are in
     std::size_t followed = 0;                             // the question

@@ -123,6 +123,7 @@ private:
     std::unique_ptr<Frames> frames;                 // of learner
     std::unique_ptr<Engine> walker;                 // one action in each step
     bool lost = false;                              // it did not get an answer
+    int strolled = 0;                               // the length that was tried for
     int possible = 0;                               // there are paths of that many steps
     int greatest = -1;
 };

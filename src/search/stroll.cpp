@@ -1,6 +1,10 @@
 #include "stroll.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <random>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -9,7 +13,9 @@ public:
     explicit Stroll(const Tables& tables);
 
     [[nodiscard]] bool stuck() const { return possible.empty(); }
+    [[nodiscard]] int length() const { return static_cast<int>(stepsEnd.size()); }
     void step();
+    void back();
 
 private:
     void enter(uint location);
@@ -22,6 +28,8 @@ private:
     std::vector<uint> waiting;  // of each action, its participants that are in no source
     std::vector<uint> possible; // the actions that are, in any order
     std::vector<uint> at;       // of each of them, its index there
+    std::vector<std::pair<uint, uint>> moves; // from where to where, of all steps
+    std::vector<std::size_t> stepsEnd;
     std::minstd_rand random;
 };
 
@@ -83,8 +91,19 @@ void Stroll::step() {
         for (uint m = tables.movesBegin(p); m < tables.participants[p].movesEnd; ++m) {
             if (tables.moves[m].source == here) targets.push_back(tables.moves[m].target);
         }
+        const uint there = targets[random() % targets.size()];
         leave(here);
-        enter(targets[random() % targets.size()]);
+        enter(there);
+        moves.emplace_back(here, there);
+    }
+    stepsEnd.push_back(moves.size());
+}
+
+void Stroll::back() {
+    stepsEnd.pop_back();
+    for (; moves.size() > (stepsEnd.empty() ? 0 : stepsEnd.back()); moves.pop_back()) {
+        leave(moves.back().second);
+        enter(moves.back().first);
     }
 }
 
@@ -92,7 +111,20 @@ void Stroll::step() {
 
 int strollLength(const Tables& tables, int most) {
     Stroll stroll(tables);
-    int length = 0;
-    for (; length < most && !stroll.stuck(); ++length) stroll.step();
-    return length;
+    int longest = 0;
+    int back = 1;
+    for (std::int64_t left = 8 * std::int64_t(most); left > 0 && longest < most; --left) {
+        if (!stroll.stuck()) {
+            stroll.step();
+            if (stroll.length() <= longest) continue;
+            longest = stroll.length();
+            back = 1;
+        } else if (stroll.length() == 0) {
+            return 0;
+        } else {
+            for (int i = 0; i < back && stroll.length() > 0; ++i, --left) stroll.back();
+            back *= 2;
+        }
+    }
+    return longest;
 }
