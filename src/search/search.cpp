@@ -13,8 +13,8 @@ namespace {
 
 constexpr int unlimited = -1;
 
-/// A conflict takes about as much time as it takes to give the solver so many literals, in clauses of
-/// `size` literals: 22 to 90 us by network, against 0.2 us for one.
+/// A conflict takes about as much time as it takes to give the solver so many literals, in clauses
+/// of `size` literals: 22 to 90 us by network, against 0.2 us for one.
 constexpr std::int64_t conflictWork(std::int64_t size) { return 100 + size / 2000; }
 
 } // namespace
@@ -211,8 +211,8 @@ void Search::learn(const Open& open) {
     }
 }
 
-/// Looks for the end of all runs, where strolls have come to one and the depth is beyond it. That is
-/// no more work than what it is for, but for a little in advance.
+/// Looks for the end of all runs, where strolls have come to one and the depth is beyond it. That
+/// is no more work than what it is for, but for a little in advance.
 void Search::lookForEnd(int depth) {
     constexpr int patience = 10000;
     constexpr std::int64_t advance = 1000000;
@@ -223,7 +223,8 @@ void Search::lookForEnd(int depth) {
         if (depth <= possible) return;
     }
     if (!walker) walker = std::make_unique<Engine>(*this, Scope{Steps::serial});
-    const std::int64_t next = (depth - walker->unrolling.depth()) * walker->unrolling.stepLiterals();
+    const std::int64_t next =
+        (depth - walker->unrolling.depth()) * walker->unrolling.stepLiterals();
     if (walker->work + next > advance + work(refuter) + work(climber)) return;
     if (!walker->advance(depth, 0)) return;
     const auto endsBefore = [&](int steps) {

@@ -71,6 +71,6 @@ private:
     std::vector<int> busyAt;
     std::vector<uint> starting; // locations by how far ahead they matter
     std::size_t started = 0;    // those that are told what they are at position 0
-    std::vector<int> shifted; // the clauses at hand
+    std::vector<int> shifted;   // the clauses at hand
     std::int64_t given = 0;
 };
