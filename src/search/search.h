@@ -14,8 +14,9 @@
 // assumption that some of these is met: one answer refutes them all, and a path is looked at for
 // each.
 //
-// They take turns: the one that has done the least goes on. Its work is counted in clauses,
-// conflicts and questions to a solver, not in seconds, so that the same input gives the same paths.
+// They take turns: the one that has done the least goes on, where what the hunter has done counts
+// twice. Work is counted in clauses, conflicts and questions to a solver, not in seconds, so that
+// the same input gives the same paths.
 
 #pragma once
 
