@@ -44,7 +44,8 @@ install_toolchain() { install "${toolchain[@]}"; }
 install_model_checker() {
     local name
     for name in berkeley-abc yosys-abc; do
-        if apt-cache policy $name 2>/dev/null | grep -q 'Candidate: [0-9]'; then
+        # Not grep -q: apt-cache fails where nobody reads its output to the end.
+        if apt-cache policy $name 2>/dev/null | grep 'Candidate: [0-9]' >/dev/null; then
             install $name=$name
             return
         fi
