@@ -8,6 +8,7 @@
 
 #include <cctype>
 #include <iterator>
+#include <regex>
 #include <set>
 
 namespace {
@@ -146,8 +147,9 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
                 scratch.read("stdout").substr(0, scratch.read("stdout").find('\n'));
             const bool met = searchAll(model);
             ASSERT_EQ(scratch.run(abc + " -c 'read_aiger question.aig; pdr; write_cex -a w'"), 0);
-            const char* const answer = met ? "asserted in frame" : "Property proved";
-            EXPECT_NE(scratch.read("stdout").find(answer), std::string::npos) << answer;
+            const std::regex answer(met ? "asserted in frame"
+                                        : "Property proved|All outputs solved");
+            EXPECT_TRUE(std::regex_search(scratch.read("stdout"), answer)) << met;
             EXPECT_TRUE(!met || witnessIsShown(scratch, model, formula, random));
         }
         // One solver prefers true variables, the other one false ones.
