@@ -73,7 +73,10 @@ Solver::Verdict Solver::solve(int conflicts) {
     }
 }
 
-bool Solver::value(int literal) const { return library->solver.val(literal) > 0; }
+// Versions differ in what they tell of a negative literal.
+bool Solver::value(int literal) const {
+    return literal > 0 ? library->solver.val(literal) > 0 : library->solver.val(-literal) < 0;
+}
 
 bool Solver::failed(int literal) const { return library->solver.failed(literal); }
 
