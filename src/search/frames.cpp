@@ -319,9 +319,6 @@ Certificate Frames::invariant() const {
             }
         }
     }
-    // A lemma may have been learned again for a later frame.
     std::sort(certificate.sets.begin(), certificate.sets.end());
-    certificate.sets.erase(std::unique(certificate.sets.begin(), certificate.sets.end()),
-                           certificate.sets.end());
     return certificate;
 }

@@ -113,7 +113,7 @@ private:
     Solver::Verdict ask(Engine& engine, int depth, const Open& open, int conflicts);
     void keep(std::size_t question, const Run& run);
     void refute(const Open& open, int depth);
-    void lookForEnd(int depth);
+    void lookForEnd(int depth, std::int64_t advance);
     [[nodiscard]] bool stopped() const { return listener.stop && listener.stop(); }
 
     const Tables tables;

@@ -39,9 +39,8 @@ void Unrolling::allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_
 void Unrolling::start() {
     for (; started < starting.size(); ++started) {
         const uint l = starting[started];
-        const auto& [late, ahead, offset] = clauses.variable(clauses.locations[l]);
-        if (ahead > static_cast<uint>(depth())) return;
-        const int var = states[0][ahead] + static_cast<int>(offset);
+        if (clauses.variable(clauses.locations[l]).ahead > static_cast<uint>(depth())) return;
+        const int var = number(clauses.locations[l], 0);
         solver.add({tables.locations[l].number == 0 ? var : -var});
     }
 }
@@ -79,6 +78,7 @@ int Unrolling::number(int var, int step) const {
     const Blocks& blocks = var <= clauses.stateSize       ? states[to - 1]
                            : var <= 2 * clauses.stateSize ? states[to]
                                                           : steps[to];
+    assert(variable.ahead < blocks.size());
     return blocks[variable.ahead] + static_cast<int>(variable.offset);
 }
 
@@ -110,11 +110,7 @@ int Unrolling::location(int position, uint l) const {
     const bool anywhere = !scope.initial || without == Says::start;
     const uint first = anywhere ? 0 : scope.steps == Steps::ordered ? std::min(layer, 1U) : layer;
     if (static_cast<uint>(position) < first) return var < 0 ? verity : -verity;
-    const Blocks& blocks = states[static_cast<std::size_t>(position)];
-    const auto& [late, ahead, offset] = clauses.variable(var);
-    assert(ahead < blocks.size());
-    const int number = blocks[ahead] + static_cast<int>(offset);
-    return var < 0 ? -number : number;
+    return var < 0 ? -number(-var, position) : number(var, position);
 }
 
 Run Unrolling::run(int position) const {
