@@ -1,12 +1,14 @@
 // The store, the conversion to clauses and the writer, each on its own.
 
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <benchmark/benchmark.h>
 #include <cstddef>
 #include <cstdio>
 #include <random>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 

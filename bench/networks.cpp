@@ -1,7 +1,7 @@
 // Writes the networks and formulas that scripts/bench measures. All of it is arithmetic on the
 // parameters, so a family with its parameters gives the same bytes everywhere.
 
-#include "networkwriter.h"
+#include "model/networkwriter.h"
 
 #include <algorithm>
 #include <charconv>
@@ -14,6 +14,8 @@
 #include <string_view>
 #include <system_error>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <unistd.h>
 
+namespace tervoxal {
+
 struct Refused {};
 
 bool reading = false; // the fuzzer's own exits stay exits
@@ -55,3 +57,5 @@ public:
     const std::string name = "/dev/shm/tervoxal-fuzz-" + std::to_string(getpid());
     const std::string file;
 };
+
+} // namespace tervoxal

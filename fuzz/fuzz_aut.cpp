@@ -1,7 +1,9 @@
 #include "fuzz.h"
 
-#include "aut.h"
+#include "import/aut.h"
 #include "imported.h"
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return imported(data, size, [](const std::string& file, std::ostream& out) {

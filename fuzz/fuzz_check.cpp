@@ -2,18 +2,20 @@
 
 #include "fuzz.h"
 
-#include "formulacheck.h"
-#include "networkcheck.h"
-#include "ntamodel.h"
+#include "query/formulacheck.h"
+#include "lint/networkcheck.h"
+#include "model/ntamodel.h"
 
 #include <cassert>
 #include <iostream>
 #include <sstream>
 
+using namespace tervoxal;
+
 namespace {
 
 template <class Read>
-void compare(const Findings& findings, const Read& read) {
+void compare(const Diagnostics& findings, const Read& read) {
     std::ostringstream message;
     std::streambuf* const standardError = std::cerr.rdbuf(message.rdbuf());
     const bool refusedByRun = refused(read);
@@ -38,13 +40,13 @@ void compare(const Findings& findings, const Read& read) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const InputFile input(data, size);
-    Findings inNetwork;
+    Diagnostics inNetwork;
     const CheckedNetwork network = checkNetwork(input.file, inNetwork);
     compare(inNetwork, [&] {
         NetTimedModel model;
         model.readNetwork(input.name);
     });
-    Findings inFormula;
+    Diagnostics inFormula;
     checkFormula(input.file, network, inFormula);
     compare(inFormula, [&] {
         NetTimedModel model;

@@ -1,9 +1,11 @@
 #include "fuzz.h"
 
-#include "ectlform.h"
-#include "expression.h"
+#include "temporal/ectlform.h"
+#include "query/expression.h"
 
 #include <cstdlib>
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Vocabulary::Things things = {{{"a", {1}}, {"b c", {2}}, {"1", {2}}}, {1, 2}};

@@ -1,6 +1,8 @@
 #include "fuzz.h"
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return orRefused([&] {

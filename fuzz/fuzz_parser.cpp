@@ -1,8 +1,10 @@
 #include "fuzz.h"
 
-#include "ectlform.h"
+#include "temporal/ectlform.h"
 
 #include <cassert>
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return orRefused([&] {

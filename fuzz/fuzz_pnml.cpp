@@ -1,8 +1,10 @@
 #include "fuzz.h"
 
 #include "imported.h"
-#include "petrinet.h"
-#include "pnml.h"
+#include "import/petrinet.h"
+#include "import/pnml.h"
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return imported(data, size, [size](const std::string& file, std::ostream& out) {

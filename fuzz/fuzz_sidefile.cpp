@@ -1,8 +1,10 @@
 #include "fuzz.h"
 
-#include "sidefile.h"
+#include "replay/sidefile.h"
 
 #include <cassert>
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     NetTimedModel model; // three automata of 1, 4 and 5 locations

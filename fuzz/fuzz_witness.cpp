@@ -1,9 +1,11 @@
 #include "fuzz.h"
 
-#include "witness.h"
+#include "programs/witness.h"
 
 #include <cassert>
 #include <sstream>
+
+using namespace tervoxal;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     return orRefused([&] {
@@ -14,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::istringstream in(
             std::string(reinterpret_cast<const char*>(data) + skipped, size - skipped));
         const Witness witness = readWitness(in, "fuzz", shape);
-        assert(witness.verdict == Answer::Verdict::satisfiable || witness.steps.empty());
+        assert(witness.verdict == SolverAnswer::Verdict::satisfiable || witness.steps.empty());
         for (const std::string& step : witness.steps) {
             assert(step.size() == shape.inputs);
             assert(step.find_first_not_of("01x") == std::string::npos);

@@ -4,9 +4,11 @@
 
 #include "fuzz.h"
 
-#include "names.h"
+#include "model/names.h"
 
 #include <sstream>
+
+namespace tervoxal {
 
 /// Calls import with the name of a file that holds the input and the stream for the network.
 template <class Import>
@@ -26,3 +28,5 @@ int imported(const std::uint8_t* data, std::size_t size, Import&& import) {
         readNamedNetwork(model, names, network.name);
     });
 }
+
+} // namespace tervoxal

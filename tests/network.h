@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "networkwriter.h"
-#include "ntamodel.h"
+#include "model/networkwriter.h"
+#include "model/ntamodel.h"
 #include "support.h"
 
 #include <array>
@@ -11,6 +11,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 using Random = std::mt19937; // % n: unlike the distributions of <random> the same everywhere
 
@@ -77,3 +79,5 @@ inline void read(NetTimedModel& model, const std::string& name) {
     (void)printed([&] { model.readNetwork(name); });
     model.compNrOfBits(1);
 }
+
+} // namespace tervoxal

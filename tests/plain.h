@@ -4,13 +4,15 @@
 #pragma once
 
 #include "network.h"
-#include "property.h"
+#include "replay/property.h"
 
 #include <cctype>
 #include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 inline bool leads(const NetTimedModel& model, uint action, const State& from, const State& to) {
     const std::set<uint>& owners = model.actionAutomata.at(action);
@@ -152,3 +154,5 @@ inline std::string shown(const NetTimedModel& model, const std::vector<State>& p
     }
     return met ? text + "]}\n" : "";
 }
+
+} // namespace tervoxal

@@ -4,11 +4,13 @@
 #pragma once
 
 #include "plain.h"
-#include "vocabulary.h"
+#include "query/vocabulary.h"
 
 #include <algorithm>
 #include <functional>
 #include <string>
+
+namespace tervoxal {
 
 struct RandomQuestion {
     std::string text;
@@ -61,3 +63,5 @@ inline RandomQuestion randomQuestion(const NetTimedModel& model, Random& random,
     const std::string prop = 'p' + commonProps.at(random() % 4);
     return {prop, [=, &model](const State& s) { return meets(model, s, prop); }};
 }
+
+} // namespace tervoxal

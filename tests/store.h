@@ -2,10 +2,12 @@
 
 #pragma once
 
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <cstdlib>
 #include <string>
+
+namespace tervoxal {
 
 /// The nodes in the order of their creation, each as its kind and operands, then the formula. #1
 /// stands for the first node, T and F for the constants.
@@ -21,3 +23,5 @@ inline std::string storeText(const BoolForm& f) {
         nodes += (t.op == bfCon ? '&' : '=') + text(t.left) + ',' + text(t.right) + ' ';
     return nodes + text(f.nr);
 }
+
+} // namespace tervoxal

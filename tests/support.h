@@ -13,6 +13,8 @@
 #include <string>
 #include <sys/wait.h>
 
+namespace tervoxal {
+
 /// A directory of its own, removed at the end.
 class Scratch {
 public:
@@ -57,8 +59,8 @@ std::string printed(const Print& print) {
 
 /// Checks a table of tests/data: the answer to what stands before the first tab of a line is what
 /// stands behind it. A bar stands for a newline.
-template <class Answer>
-void checkTable(const std::string& name, const Answer& answer) {
+template <class SolverAnswer>
+void checkTable(const std::string& name, const SolverAnswer& answer) {
     std::ifstream in(TEST_DATA "/" + name);
     int rows = -1; // the first is the heading
     for (std::string row; std::getline(in, row); ++rows) {
@@ -78,3 +80,5 @@ inline std::string deepFormula() {
     for (int i = 0; i < 100000; ++i) text += "&+";
     return text;
 }
+
+} // namespace tervoxal

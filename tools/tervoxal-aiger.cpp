@@ -1,14 +1,16 @@
 // The command tervoxal-aiger: whether a formula can be met at any length, as a circuit for model
 // checkers.
 
-#include "aiger.h"
-#include "command.h"
-#include "filenames.h"
-#include "names.h"
-#include "question.h"
-#include "reachability.h"
+#include "boolean/aiger.h"
+#include "system/command.h"
+#include "system/filenames.h"
+#include "model/names.h"
+#include "query/question.h"
+#include "translation/reachability.h"
 
 #include <iostream>
+
+using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     const Command command{

@@ -1,12 +1,14 @@
 // The command tervoxal-check: what a run would refuse, and what hardly can be meant.
 
-#include "command.h"
-#include "filenames.h"
-#include "formulacheck.h"
-#include "networkcheck.h"
+#include "system/command.h"
+#include "system/filenames.h"
+#include "query/formulacheck.h"
+#include "lint/networkcheck.h"
 
 #include <iostream>
 #include <string>
+
+using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     const Command command{
@@ -26,13 +28,13 @@ int main(int argc, char* argv[]) {
         2};
     const CommandLine line(command, argc, argv);
     const std::string networkFile = inputName(line.operands[0]) + inputSuffix;
-    Findings inNetwork;
+    Diagnostics inNetwork;
     const CheckedNetwork network = checkNetwork(networkFile, inNetwork);
     inNetwork.show(std::cout, networkFile);
-    Findings inFormula;
+    Diagnostics inFormula;
     if (line.operands.size() > 1) {
         const std::string formulaFile = inputName(line.operands[1]) + inputSuffix;
-        checkFormula(formulaFile, network, inFormula);
+        checkFormula(formulaFile, network.taken ? &network.props : nullptr, inFormula);
         inFormula.show(std::cout, formulaFile);
     }
     return finished(inNetwork.empty() && inFormula.empty() ? 0 : 1);

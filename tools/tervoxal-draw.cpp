@@ -1,12 +1,14 @@
 // The command tervoxal-draw: a network as a picture.
 
-#include "command.h"
-#include "filenames.h"
-#include "names.h"
-#include "picture.h"
+#include "system/command.h"
+#include "system/filenames.h"
+#include "model/names.h"
+#include "report/picture.h"
 
 #include <iostream>
 #include <string>
+
+using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     const Command command{

@@ -1,16 +1,18 @@
 // The command tervoxal-formula: an expression with names as a formula line.
 
-#include "command.h"
-#include "expression.h"
-#include "fatal.h"
-#include "filenames.h"
-#include "filetext.h"
-#include "lines.h"
-#include "names.h"
-#include "vocabulary.h"
+#include "system/command.h"
+#include "query/expression.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "system/filetext.h"
+#include "text/lines.h"
+#include "model/names.h"
+#include "query/vocabulary.h"
 
 #include <iostream>
 #include <string>
+
+using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     std::ios::sync_with_stdio(false); // synchronised, std::cin takes a read error for the end

@@ -1,16 +1,18 @@
 // The command tervoxal-import: Petri nets and labelled transition systems as networks.
 
-#include "aut.h"
-#include "command.h"
-#include "fatal.h"
-#include "message.h"
-#include "petrinet.h"
-#include "pnml.h"
+#include "import/aut.h"
+#include "system/command.h"
+#include "text/fatal.h"
+#include "import/message.h"
+#include "import/petrinet.h"
+#include "import/pnml.h"
 
 #include <algorithm>
 #include <iostream>
 #include <string>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 

@@ -1,26 +1,28 @@
 // The command tervoxal-path: from what a solver wrote about a run's clauses to a path that is
 // replayed on the network.
 
-#include "amounts.h"
-#include "answer.h"
-#include "choices.h"
-#include "command.h"
-#include "fatal.h"
-#include "filenames.h"
-#include "lines.h"
-#include "names.h"
-#include "path.h"
-#include "pathlength.h"
-#include "question.h"
-#include "report.h"
-#include "sidefile.h"
-#include "transitions.h"
-#include "walk.h"
-#include "witness.h"
+#include "text/amounts.h"
+#include "programs/solveranswer.h"
+#include "model/choices.h"
+#include "system/command.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "text/lines.h"
+#include "model/names.h"
+#include "replay/path.h"
+#include "system/pathlength.h"
+#include "query/question.h"
+#include "report/report.h"
+#include "replay/sidefile.h"
+#include "replay/transitions.h"
+#include "replay/walk.h"
+#include "programs/witness.h"
 
 #include <fstream>
 #include <iostream>
 #include <string>
+
+using namespace tervoxal;
 
 namespace {
 
@@ -67,8 +69,8 @@ auto answerIn(const std::string& file, const Read& read) {
 }
 
 /// What is told where there is no path, and the status.
-int withoutPath(Answer::Verdict verdict, const std::string& who, const std::string& steps) {
-    if (verdict == Answer::Verdict::unknown) {
+int withoutPath(SolverAnswer::Verdict verdict, const std::string& who, const std::string& steps) {
+    if (verdict == SolverAnswer::Verdict::unknown) {
         std::cerr << "the " + who + " gave no answer\n";
         return 0;
     }
@@ -90,8 +92,8 @@ Found solverPath(const CommandLine& line, const NetTimedModel& model) {
     const int k = pathLength(pathLen);
     if (k <= 0) error("Length of path should be > 0");
     const int maxVar = readSideFile(model, k, runName(inputName(line.operands[0]), pathLen));
-    const Answer answer = answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
-    if (answer.verdict != Answer::Verdict::satisfiable) {
+    const SolverAnswer answer = answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
+    if (answer.verdict != SolverAnswer::Verdict::satisfiable) {
         return {{}, withoutPath(answer.verdict, "solver", steps(k))};
     }
     return {decodePath(model, k, maxVar, answer.literals)};
@@ -103,7 +105,7 @@ Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
         answerIn(line.value("witness", ""), [&](std::istream& in, const std::string& name) {
             return readWitness(in, name, shape);
         });
-    if (witness.verdict != Answer::Verdict::satisfiable) {
+    if (witness.verdict != SolverAnswer::Verdict::satisfiable) {
         return {{}, withoutPath(witness.verdict, "model checker", "any length")};
     }
     return {decodeChoices(model, witness.steps)};

@@ -1,19 +1,20 @@
 // The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
-#include "answers.h"
-#include "certificate.h"
-#include "command.h"
-#include "fatal.h"
-#include "filenames.h"
-#include "names.h"
-#include "outputfile.h"
-#include "pathlength.h"
-#include "progress.h"
-#include "prover.h"
-#include "question.h"
-#include "readable.h"
-#include "report.h"
-#include "search.h"
+#include "report/answers.h"
+#include "certificate/certificate.h"
+#include "system/command.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "model/names.h"
+#include "system/outputfile.h"
+#include "system/pathlength.h"
+#include "report/progress.h"
+#include "modelchecker/prover.h"
+#include "query/question.h"
+#include "text/readable.h"
+#include "report/report.h"
+#include "search/board.h"
+#include "search/portfolio.h"
 
 #include <algorithm>
 #include <array>
@@ -21,10 +22,14 @@
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <span>
 #include <sstream>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 
@@ -51,7 +56,6 @@ const Command command{
       "go on for a proof that there is no path of any length, with a model checker beside"},
      {"prove-time", "SECONDS", "likewise, for SECONDS at most (60)"},
      {"certificate", "FILE", "likewise, and write what the proof rests on into FILE"},
-     {"from", "K", "only paths of K steps or more (0)"},
      {"format", "FORMAT",
       "text, json, vcd or dot, as tervoxal-path writes them (text); json has\n"
       "the whole table"},
@@ -80,11 +84,9 @@ Call::Call(const CommandLine& line) {
     formulaFile = ways == 0;
     line.expect(formulaFile ? 3 : 2);
     many = line.has("questions") || line.has("actions");
-    Search::Range& range = asked.range;
-    range.to =
+    asked.lengths.to =
         static_cast<int>(line.numberIn(line.operands.back(), "PathLen", 0, greatestPathLength));
-    range.from = static_cast<int>(line.number("from", 0, range.to, 0));
-    range.any = line.has("any");
+    asked.lengths.any = line.has("any");
     seconds = line.number("time", 1, greatestPathLength, 0);
     prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
     proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
@@ -132,18 +134,23 @@ void showMany(const CommandLine& line, const Call& call, const Answers& answers)
     }
 }
 
-/// What the proof rests on, if there is one.
-void writeCertificate(const std::string& file, const Call& call, const Search& search,
-                      const Names& names) {
-    const Finding& finding = search.findings()[0];
-    if (!finding.certificate) return;
+/// The file that takes what a proof rests on. An older one of that name is gone from the start, so
+/// that none is taken for that of this call, and a file that cannot be written is told before the
+/// search.
+void beginCertificate(std::optional<OutputFile>& file, const std::string& name) {
+    file.emplace(name);
+    if (!file->writable()) error("cannot write " + name);
+}
+
+void writeCertificate(OutputFile& file, const std::string& name, const Call& call,
+                      const NetTimedModel& model, const Names& names,
+                      const Certificate& certificate) {
     std::ostringstream text;
     text << "# " << readable(call.asked.network + ": never " + call.asked.questions[0].text)
          << '\n';
-    showCertificate(text, search.networkTables().model, names, *finding.certificate);
-    OutputFile out(file);
-    out.write(text.view());
-    if (!out.close()) error("cannot write " + file);
+    showCertificate(text, model, names, certificate);
+    file.write(text.view());
+    if (!file.close()) error("cannot write " + name);
 }
 
 void makeDirectory(const std::string& name) {
@@ -168,53 +175,70 @@ int main(int argc, char* argv[]) {
     for (const Question& question : call.asked.questions) conditions.push_back(question.condition);
 
     if (line.has("paths")) makeDirectory(line.value("paths", ""));
+    std::optional<OutputFile> certificate;
+    if (line.has("certificate")) beginCertificate(certificate, line.value("certificate", ""));
+    const FlatNetwork network(model);
+    Board board(network, std::move(conditions), {call.asked.lengths.to, call.asked.lengths.any});
+    Answers answers(model, call.asked, names);
     std::ostream& table = call.format == "json" ? std::cerr : std::cout;
     Progress progress(call.asked, call.many ? &table : nullptr);
-    const Answers* known = nullptr;
-    const Search* running = nullptr;
-    Search::Listener listener;
-    listener.refuted = [&] { progress.refuted(*running, *known); };
-    listener.found = [&](const Finding& finding) { progress.found(*running, *known, finding); };
-    listener.proved = [&](const Finding& finding) { progress.proved(*running, *known, finding); };
     std::optional<Prover> prover;
+    if (call.prove) {
+        prover.emplace(board, names,
+                       Prover::Setting{call.proveSeconds,
+                                       [&](std::size_t question, const std::string& why) {
+                                           progress.end();
+                                           std::cerr << "proof: "
+                                                     << (call.many ? call.asked.questions[question].name + ": " : "")
+                                                     << why << '\n';
+                                       }});
+    }
     const auto late = [&] {
         return call.seconds > 0 && Clock::now() >= begin + std::chrono::seconds(call.seconds);
+    };
+    const auto learn = [&](std::size_t q) {
+        Known& known = answers.known(q);
+        known.refuted = board[q].refuted;
+        known.settled = board.settled(q);
+        known.unreachable = board[q].unreachable;
+        known.certificate = board[q].certificate;
+    };
+    Board::Listener listener;
+    listener.refuted = [&](std::span<const std::size_t> questions) {
+        for (const std::size_t q : questions) learn(q);
+        progress.refuted(answers);
+    };
+    listener.found = [&](std::size_t q) {
+        learn(q);
+        answers.known(q).path = pathOf(network, board[q].path);
+        progress.found(answers, q);
+    };
+    listener.unreachable = [&](std::size_t q) {
+        learn(q);
+        progress.unreachable(answers, q);
     };
     if (call.seconds > 0 || call.prove) {
         listener.stop = [&] { return late() || (prover && prover->ready()); };
     }
     if (call.prove) {
         listener.proving = [&] {
-            return prover && (prover->working() || Clock::now() < begin + call.proveSeconds);
+            return prover->working() || Clock::now() < begin + call.proveSeconds;
         };
     }
-    Search search(model, std::move(conditions), call.asked.range, listener);
-    const Answers answers(call.asked, search, names);
-    running = &search;
-    known = &answers;
-    if (call.prove) {
-        const std::vector<Question>& questions = call.asked.questions;
-        prover.emplace(
-            search, names,
-            Prover::Setting{call.proveSeconds, [&](std::size_t question, const std::string& why) {
-                                progress.end();
-                                std::cerr << "proof: "
-                                          << (call.many ? questions[question].name + ": " : "")
-                                          << why << '\n';
-                            }});
-    }
-    search.run();
+    Portfolio portfolio(board);
+    portfolio.run(listener);
     while (prover && prover->working() && !late()) {
         if (prover->ready()) {
-            prover->take();
-            search.run();
+            prover->take(listener);
+            portfolio.run(listener);
         } else {
             prover->wait();
         }
     }
     progress.end();
-    if (line.has("certificate")) {
-        writeCertificate(line.value("certificate", ""), call, search, names);
+    if (certificate && board[0].certificate) {
+        writeCertificate(*certificate, line.value("certificate", ""), call, model, names,
+                         *board[0].certificate);
     }
 
     if (call.many) {

@@ -1,13 +1,13 @@
 // The command tervoxal-sweep: the least path length with a path, and that path.
 
-#include "children.h"
-#include "command.h"
-#include "directories.h"
-#include "fatal.h"
-#include "filenames.h"
-#include "filetext.h"
-#include "pathlength.h"
-#include "sweep.h"
+#include "programs/children.h"
+#include "system/command.h"
+#include "programs/directories.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "system/filetext.h"
+#include "system/pathlength.h"
+#include "sweep/sweep.h"
 
 #include <array>
 #include <cerrno>
@@ -21,6 +21,8 @@
 #include <string_view>
 #include <system_error>
 #include <utility>
+
+using namespace tervoxal;
 
 namespace {
 

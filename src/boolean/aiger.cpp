@@ -1,6 +1,6 @@
-#include "aiger.h"
+#include "boolean/aiger.h"
 
-#include "reached.h"
+#include "boolean/reached.h"
 
 #include <algorithm>
 #include <cassert>
@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <limits>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -134,3 +136,5 @@ void showAIGER(std::ostream& out, const Circuit& circuit, bool ascii) {
     showSymbols(out, 'o', circuit.outputs);
     if (!circuit.comment.empty()) out << "c\n" << circuit.comment << '\n';
 }
+
+} // namespace tervoxal

@@ -9,11 +9,13 @@
 
 #pragma once
 
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <ostream>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 /// A circuit with one state, in which all latches are 0 at the start. Names are one line each, an
 /// empty one is none.
@@ -45,3 +47,5 @@ struct Circuit {
 /// and symbols. Linear in the circuit and in the number of nodes of the store. Precondition,
 /// asserted: the file's literals fit into an int, as its readers hold them.
 void showAIGER(std::ostream& out, const Circuit& circuit, bool ascii);
+
+} // namespace tervoxal

@@ -1,9 +1,11 @@
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
 #include <cstdlib>
+
+using namespace tervoxal;
 
 namespace {
 

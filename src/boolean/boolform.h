@@ -22,8 +22,8 @@
 
 #pragma once
 
-#include "clauses.h"
-#include "dimacs.h"
+#include "boolean/clauses.h"
+#include "boolean/dimacs.h"
 
 #include <cstddef>
 #include <limits>
@@ -54,6 +54,8 @@ inline bool operator==(const Triple& a, const Triple& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
 }
 
+namespace tervoxal {
+
 /// The nodes of the store as an ordered map from triples to numbers. It is a view of tv: when it is
 /// looked at, it takes over what tv has gained. A run never looks, since it finds its nodes through
 /// a hash table. With an ordered map in place of that table, a run took up to half as long again
@@ -78,6 +80,8 @@ private:
     [[nodiscard]] const Map& all() const;
     mutable Map nodes;
 };
+
+} // namespace tervoxal
 
 /// A propositional formula: a number into the store. Copying it copies the number.
 class BoolForm {
@@ -104,7 +108,7 @@ public:
     /// node's number. A constant empties cs first; false leaves the empty clause, true none.
     void toCNF(std::set<Clause>& cs) const;
     /// The clauses that toCNF adds to an empty set, in the order of the set.
-    [[nodiscard]] ClauseRange clauses() const;
+    [[nodiscard]] tervoxal::ClauseRange clauses() const;
 
     /// x holds.
     void addVar(std::set<Clause>& cs, int x) const;
@@ -137,7 +141,7 @@ public:
     /// The number of the latest node; the next one gets maxNr + 1.
     static int maxNr;
     static std::vector<Triple> tv;
-    static TripleMap mti;
+    static tervoxal::TripleMap mti;
 };
 
 [[nodiscard]] BoolForm neg(const BoolForm& a);

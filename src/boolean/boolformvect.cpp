@@ -1,7 +1,9 @@
-#include "boolformvect.h"
+#include "boolean/boolformvect.h"
 
 #include <cassert>
 #include <iostream>
+
+using namespace tervoxal;
 
 namespace {
 

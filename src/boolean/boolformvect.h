@@ -8,7 +8,7 @@
 
 #pragma once
 
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <bitset>
 #include <vector>

@@ -1,13 +1,15 @@
-#include "clauses.h"
+#include "boolean/clauses.h"
 
-#include "boolform.h"
-#include "reached.h"
+#include "boolean/boolform.h"
+#include "boolean/reached.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
 #include <set>
 #include <utility>
+
+using namespace tervoxal;
 
 Clause::Clause(int x, int y, int z) : l1(x), l2(y), l3(z) {
     if (std::abs(l2) < std::abs(l1)) std::swap(l1, l2);

@@ -38,6 +38,8 @@ inline bool operator==(const Clause& a, const Clause& b) {
     return a.l1 == b.l1 && a.l2 == b.l2 && a.l3 == b.l3;
 }
 
+namespace tervoxal {
+
 /// The clauses of a formula in their order, made as they are walked: for (const Clause& c : range).
 /// A constant has none if it is true, and the empty clause if it is false.
 ///
@@ -129,3 +131,5 @@ private:
     std::vector<std::uint32_t> lists; // the first link of each, 0 for none
     std::vector<std::uint32_t> links; // of entry i, which is link i + 1, the next link
 };
+
+} // namespace tervoxal

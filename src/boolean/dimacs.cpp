@@ -1,8 +1,8 @@
-#include "dimacs.h"
+#include "boolean/dimacs.h"
 
-#include "boolform.h"
-#include "filenames.h"
-#include "outputfile.h"
+#include "boolean/boolform.h"
+#include "system/filenames.h"
+#include "system/outputfile.h"
 
 #include <algorithm>
 #include <array>
@@ -14,6 +14,8 @@
 #include <limits>
 #include <string_view>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 

@@ -6,7 +6,7 @@
 
 #pragma once
 
-#include "clauses.h"
+#include "boolean/clauses.h"
 
 #include <set>
 #include <string>
@@ -18,7 +18,7 @@
 [[nodiscard]] int maxCNFOrgVarNr(const std::set<Clause>& cs);
 /// Writes cs to name + ".cnf", renumbered. A file that cannot be written is not reported.
 void showCNF(const std::set<Clause>& cs, std::string name);
-void showCNF(const ClauseRange& cs, std::string name);
+void showCNF(const tervoxal::ClauseRange& cs, std::string name);
 /// Writes cs to "test.cnf" in the current directory with the numbers of the store.
 void showCNF(const std::set<Clause>& cs);
 /// Appends to v one vector of renumbered literals for each clause. Returns the largest absolute

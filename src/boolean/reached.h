@@ -2,12 +2,14 @@
 
 #pragma once
 
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <vector>
+
+namespace tervoxal {
 
 /// One bit for each node from the first of the store to the last that the formulas reach. Calls use
 /// with the triple of each node reached, later nodes first. Linear in the number of bits.
@@ -37,3 +39,5 @@ template <class Use>
     }
     return reached;
 }
+
+} // namespace tervoxal

@@ -1,4 +1,4 @@
-#include "freemem.h"
+#include "driver/freemem.h"
 
 #include <cstdlib>
 #include <fstream>
@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+using namespace tervoxal;
 
 namespace {
 
@@ -45,7 +47,7 @@ std::optional<unsigned int> valueOf(const std::vector<std::string>& lines,
 
 } // namespace
 
-unsigned int freeMemIn(std::istream& in) {
+unsigned int tervoxal::freeMemIn(std::istream& in) {
     const std::vector<std::string> lines = nonEmptyLines(in);
     if (lines.size() >= 3) {
         const auto memory = freeColumn(lines[1]);

@@ -1,15 +1,17 @@
 // The command tervoxal: one run from a network, a formula and a path length to the output files.
 
-#include "filenames.h"
-#include "freemem.h"
-#include "pathlength.h"
-#include "tectltran.h"
+#include "system/filenames.h"
+#include "driver/freemem.h"
+#include "system/pathlength.h"
+#include "translation/tectltran.h"
 
 #include <csignal>
 #include <ctime>
 #include <fstream>
 #include <iostream>
 #include <string>
+
+using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     // Whoever reads the report may stop reading, and a file may reach a size limit: the write then

@@ -1,11 +1,11 @@
-#include "aut.h"
+#include "import/aut.h"
 
-#include "escapes.h"
-#include "fatal.h"
-#include "lines.h"
-#include "message.h"
-#include "networkwriter.h"
-#include "scanner.h"
+#include "text/escapes.h"
+#include "text/fatal.h"
+#include "text/lines.h"
+#include "import/message.h"
+#include "model/networkwriter.h"
+#include "text/scanner.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -15,6 +15,8 @@
 #include <optional>
 #include <set>
 #include <string_view>
+
+namespace tervoxal {
 
 namespace {
 
@@ -221,3 +223,5 @@ void writeNetwork(const LabelledSystems& systems, std::ostream& out) {
     }
     writer.end();
 }
+
+} // namespace tervoxal

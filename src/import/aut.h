@@ -15,11 +15,13 @@
 
 #pragma once
 
-#include "uint.h"
+#include "text/uint.h"
 
 #include <ostream>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 struct LabelledSystem {
     struct Transition {
@@ -46,3 +48,5 @@ struct LabelledSystems {
 
 /// Writes the network. State s of a system is named by the system's title, a dot and s.
 void writeNetwork(const LabelledSystems& systems, std::ostream& out);
+
+} // namespace tervoxal

@@ -1,9 +1,11 @@
-#include "message.h"
+#include "import/message.h"
 
-#include "readable.h"
-#include "scanner.h"
+#include "text/readable.h"
+#include "text/scanner.h"
 
 #include <cstddef>
+
+namespace tervoxal {
 
 std::string message(const std::string& file, unsigned long line, const std::string& text) {
     return file + ": line " + std::to_string(line) + ": " + text;
@@ -28,3 +30,5 @@ std::string shown(std::string_view text) {
     constexpr std::size_t looksAt = 1000; // a name may have megabytes
     return inQuotes(normalised(text.substr(0, looksAt)));
 }
+
+} // namespace tervoxal

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace tervoxal {
+
 /// Lines are counted from 1.
 [[nodiscard]] std::string message(const std::string& file, unsigned long line,
                                   const std::string& text);
@@ -14,3 +16,5 @@
 
 /// The text in double quotes, normalised and, where it is long, cut.
 [[nodiscard]] std::string shown(std::string_view text);
+
+} // namespace tervoxal

@@ -1,8 +1,8 @@
-#include "netdraft.h"
+#include "import/netdraft.h"
 
-#include "fatal.h"
-#include "message.h"
-#include "scanner.h"
+#include "text/fatal.h"
+#include "import/message.h"
+#include "text/scanner.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -11,6 +11,8 @@
 #include <set>
 #include <tuple>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -211,3 +213,5 @@ PetriNet netOf(NetDraft&& draft, const std::string& file) {
     Resolver(file, draft).resolve();
     return std::move(draft.net);
 }
+
+} // namespace tervoxal

@@ -4,13 +4,15 @@
 
 #pragma once
 
-#include "petrinet.h"
+#include "import/petrinet.h"
 
 #include <functional>
 #include <map>
 #include <string>
 #include <string_view>
 #include <vector>
+
+namespace tervoxal {
 
 /// What an id stands for; nothing, as long as it is only mentioned.
 enum class NetNodeKind : unsigned char {
@@ -56,3 +58,5 @@ struct NetDraft {
 /// The net: references are followed, arcs joined with their nodes, places with their units. Ends
 /// the process with status 1 and one line on standard error where they do not fit together.
 [[nodiscard]] PetriNet netOf(NetDraft&& draft, const std::string& file);
+
+} // namespace tervoxal

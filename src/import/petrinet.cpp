@@ -1,13 +1,15 @@
-#include "petrinet.h"
+#include "import/petrinet.h"
 
-#include "message.h"
-#include "networkwriter.h"
+#include "import/message.h"
+#include "model/networkwriter.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <span>
 #include <tuple>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -198,3 +200,5 @@ private:
 void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream& out) {
     Writer(net, automata, out).write();
 }
+
+} // namespace tervoxal

@@ -27,11 +27,13 @@
 
 #pragma once
 
-#include "uint.h"
+#include "text/uint.h"
 
 #include <ostream>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 struct PetriNet {
     struct Place {
@@ -90,3 +92,5 @@ struct NetAutomata {
 /// Writes the network; the automata are those of the net. A name of an action that is longer than
 /// 100 bytes stands at the first transition alone, so the text is linear in the net.
 void writeNetwork(const PetriNet& net, const NetAutomata& automata, std::ostream& out);
+
+} // namespace tervoxal

@@ -1,10 +1,10 @@
-#include "pnml.h"
+#include "import/pnml.h"
 
-#include "fatal.h"
-#include "lines.h"
-#include "message.h"
-#include "netdraft.h"
-#include "scanner.h"
+#include "text/fatal.h"
+#include "text/lines.h"
+#include "import/message.h"
+#include "import/netdraft.h"
+#include "text/scanner.h"
 
 #include <algorithm>
 #include <array>
@@ -19,6 +19,8 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -439,3 +441,5 @@ PetriNet readPnml(const std::string& file, uint bound) {
     if (net.name.empty()) net.name = std::filesystem::path(file).stem().string();
     return net;
 }
+
+} // namespace tervoxal

@@ -13,9 +13,11 @@
 
 #pragma once
 
-#include "petrinet.h"
+#include "import/petrinet.h"
 
 #include <string>
+
+namespace tervoxal {
 
 /// Reads a net with that bound on the tokens of a place; 0 for a safe one. With a bound, no units
 /// are read. Ends the process with status 1 and one line on standard error, with the line of the
@@ -30,3 +32,5 @@
 ///  - units of which one names no place, two share a place, none has some place, or one has two
 ///    places marked.
 [[nodiscard]] PetriNet readPnml(const std::string& file, uint bound);
+
+} // namespace tervoxal

@@ -1,9 +1,11 @@
-#include "choices.h"
+#include "model/choices.h"
 
 #include <algorithm>
 #include <bit>
 #include <iterator>
 #include <limits>
+
+namespace tervoxal {
 
 namespace {
 
@@ -54,3 +56,5 @@ std::optional<uint> Choices::target(const Moves& moves, uint source, uint number
     if (number >= count) return std::nullopt;
     return std::next(first, number)->second;
 }
+
+} // namespace tervoxal

@@ -17,12 +17,14 @@
 
 #pragma once
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include <cstddef>
 #include <optional>
 #include <set>
 #include <vector>
+
+namespace tervoxal {
 
 class Choices {
 public:
@@ -53,3 +55,5 @@ public:
     std::vector<Field> automata; // from index 1
     std::size_t bits;            // of all fields
 };
+
+} // namespace tervoxal

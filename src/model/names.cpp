@@ -1,4 +1,6 @@
-#include "names.h"
+#include "model/names.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -14,3 +16,5 @@ std::string Names::automaton(uint a) const { return nameOr(automata, a, a); }
 std::string Names::location(uint a, uint l) const { return nameOr(locations, {a, l}, l); }
 std::string Names::action(uint x) const { return nameOr(actions, x, x); }
 std::string Names::prop(uint p) const { return nameOr(props, p, p); }
+
+} // namespace tervoxal

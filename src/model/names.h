@@ -14,10 +14,12 @@
 
 #pragma once
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include <map>
 #include <string>
+
+namespace tervoxal {
 
 /// The names of a network; the keys are those of the model's tables. Holds no empty name.
 struct Names {
@@ -36,3 +38,5 @@ struct Names {
 /// Reads name + ".in" into the model and its names, and computes the layout of a state. Refuses
 /// what NetTimedModel::readNetwork refuses, in the same way, but prints no progress.
 void readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name);
+
+} // namespace tervoxal

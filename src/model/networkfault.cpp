@@ -1,4 +1,6 @@
-#include "networkfault.h"
+#include "model/networkfault.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -44,3 +46,5 @@ std::string refusal(const NetworkFault& fault) {
     const std::string line = "line " + std::to_string(fault.line) + ": ";
     return (anotherLineIsDue(fault.kind) ? "" : line) + text(fault);
 }
+
+} // namespace tervoxal

@@ -2,9 +2,11 @@
 
 #pragma once
 
-#include "uint.h"
+#include "text/uint.h"
 
 #include <string>
+
+namespace tervoxal {
 
 /// A fault of a network file.
 struct NetworkFault {
@@ -42,3 +44,5 @@ struct NetworkFault {
 [[nodiscard]] std::string text(const NetworkFault& fault);
 /// The line with which a run refuses the file. It names no line where another one is due.
 [[nodiscard]] std::string refusal(const NetworkFault& fault);
+
+} // namespace tervoxal

@@ -3,16 +3,18 @@
 
 #pragma once
 
-#include "lines.h"
-#include "networkfault.h"
-#include "scanner.h"
-#include "uint.h"
+#include "text/lines.h"
+#include "model/networkfault.h"
+#include "text/scanner.h"
+#include "text/uint.h"
 
 #include <algorithm>
 #include <concepts>
 #include <optional>
 #include <string_view>
 #include <tuple>
+
+namespace tervoxal {
 
 /// A transition as a file tells it. Ordered by action, then source, then target.
 struct Transition {
@@ -188,3 +190,5 @@ private:
     int automaton;
     bool atNext = false; // whether the handler has gone to the next automaton
 };
+
+} // namespace tervoxal

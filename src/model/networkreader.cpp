@@ -1,16 +1,18 @@
 // The network file into the tables of a model, and into names.
 
-#include "names.h"
-#include "ntamodel.h"
-#include "section.h"
+#include "model/names.h"
+#include "model/ntamodel.h"
+#include "model/section.h"
 
-#include "fatal.h"
-#include "filenames.h"
-#include "lines.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "text/lines.h"
 
 #include <algorithm>
 #include <iostream>
 #include <type_traits>
+
+using namespace tervoxal;
 
 namespace {
 
@@ -117,7 +119,7 @@ bool NetTimedModel::readAutomaton(std::ifstream& in) {
     return NetworkParser(lines, reader, nrOfAutomata).section();
 }
 
-void readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name) {
+void tervoxal::readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name) {
     read(model, &names, name + inputSuffix, false);
     model.compNrOfBits(0);
 }

@@ -1,9 +1,11 @@
-#include "networkwriter.h"
+#include "model/networkwriter.h"
 
-#include "scanner.h"
+#include "text/scanner.h"
 
 #include <algorithm>
 #include <string>
+
+namespace tervoxal {
 
 namespace {
 
@@ -73,3 +75,5 @@ void NetworkWriter::value(uint l, uint prop, std::string_view name) {
 void NetworkWriter::endAutomaton() { *out << "end\nend\n"; }
 
 void NetworkWriter::end() { *out << "end\n"; }
+
+} // namespace tervoxal

@@ -7,11 +7,13 @@
 
 #pragma once
 
-#include "uint.h"
+#include "text/uint.h"
 
 #include <ostream>
 #include <span>
 #include <string_view>
+
+namespace tervoxal {
 
 /// A network on its way to a stream, which must outlive this. Write errors stay in the stream.
 class NetworkWriter {
@@ -37,3 +39,5 @@ public:
 private:
     std::ostream* out;
 };
+
+} // namespace tervoxal

@@ -1,12 +1,14 @@
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
-#include "filenames.h"
-#include "lines.h"
-#include "outputfile.h"
-#include "step.h"
+#include "system/filenames.h"
+#include "text/lines.h"
+#include "system/outputfile.h"
+#include "model/step.h"
 
 #include <bitset>
 #include <cassert>
+
+using namespace tervoxal;
 
 void NetTimedModel::readFormula(std::string name) {
     std::ifstream in = openInput(name.append(inputSuffix));

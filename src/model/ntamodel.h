@@ -14,11 +14,11 @@
 
 #pragma once
 
-#include "boolformvect.h"
-#include "ectlform.h"
-#include "fatal.h"
-#include "symstate.h"
-#include "uint.h"
+#include "boolean/boolformvect.h"
+#include "temporal/ectlform.h"
+#include "text/fatal.h"
+#include "model/symstate.h"
+#include "text/uint.h"
 
 #include <fstream>
 #include <map>
@@ -28,7 +28,9 @@
 #include <utility>
 #include <vector>
 
+namespace tervoxal {
 class OutputFile;
+} // namespace tervoxal
 
 /// A declared location. Its key in the table says all there is to say.
 struct Vertex {};
@@ -89,7 +91,7 @@ public:
     /// cannot be written is not reported.
     void showLCK(int k, int maxVar, std::string name) const;
     /// Writes and finishes the same file where it has been begun.
-    void showLCK(int k, int maxVar, OutputFile& file) const;
+    void showLCK(int k, int maxVar, tervoxal::OutputFile& file) const;
 
     using Location = std::pair<uint, uint>;    // (automaton, location)
     using Move = std::pair<uint, uint>;        // (source, target)

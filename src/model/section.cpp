@@ -1,6 +1,8 @@
-#include "section.h"
+#include "model/section.h"
 
 #include <algorithm>
+
+namespace tervoxal {
 
 namespace {
 
@@ -44,3 +46,5 @@ std::optional<NetworkFault> Section::fault(int automaton, long end) const {
     if (greatestValue.line == 0 || greatestValue.location < count) return {};
     return undeclared(greatestValue.location, greatestValue.line);
 }
+
+} // namespace tervoxal

@@ -3,12 +3,14 @@
 
 #pragma once
 
-#include "networkgrammar.h"
-#include "uint.h"
+#include "model/networkgrammar.h"
+#include "text/uint.h"
 
 #include <cstdint>
 #include <optional>
 #include <vector>
+
+namespace tervoxal {
 
 class Section {
 public:
@@ -41,3 +43,5 @@ private:
     std::vector<Mention> ends;   // of transitions; each is greater than those before it
     Mention greatestValue{0, 0}; // of the valuation; line 0: none
 };
+
+} // namespace tervoxal

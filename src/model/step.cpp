@@ -1,9 +1,11 @@
-#include "step.h"
+#include "model/step.h"
 
 #include <algorithm>
 #include <cassert>
 #include <limits>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -133,3 +135,5 @@ BoolForm Step::stay(uint frame, const SymState& s1, const SymState& s2) {
     }
     return conditions[frame];
 }
+
+} // namespace tervoxal

@@ -39,12 +39,14 @@
 
 #pragma once
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include <cstddef>
 #include <map>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 /// The step of one model, which has a layout of states and may end before this does.
 class Step {
@@ -104,3 +106,5 @@ private:
     std::vector<BoolForm> conditions; // of each frame
     std::vector<uint> missing;        // frames still to be built
 };
+
+} // namespace tervoxal

@@ -1,8 +1,10 @@
-#include "symstate.h"
+#include "model/symstate.h"
 
-#include "fatal.h"
+#include "text/fatal.h"
 
-void refuseVariables(const std::string& what, long needed) {
+using namespace tervoxal;
+
+void tervoxal::refuseVariables(const std::string& what, long needed) {
     if (needed <= mostVariables) return;
     error(what + " needs " + std::to_string(needed) + " variables, the limit is " +
           std::to_string(mostVariables));

@@ -4,9 +4,11 @@
 
 #pragma once
 
-#include "boolformvect.h"
+#include "boolean/boolformvect.h"
 
 #include <string>
+
+namespace tervoxal {
 
 /// The most variables of a question about states. 1000000 itself is read as no variable.
 constexpr int mostVariables = BoolForm::maxVariable - 1;
@@ -14,6 +16,8 @@ constexpr int mostVariables = BoolForm::maxVariable - 1;
 /// Ends the process with status 1 and one line on standard error if that many variables, which what
 /// needs, are more than mostVariables.
 void refuseVariables(const std::string& what, long needed);
+
+} // namespace tervoxal
 
 class SymState {
 public:

@@ -1,10 +1,12 @@
-#include "path.h"
+#include "replay/path.h"
 
-#include "choices.h"
+#include "model/choices.h"
 
 #include <algorithm>
 #include <cassert>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -109,3 +111,5 @@ Path decodeChoices(const NetTimedModel& model, std::span<const std::string> text
     }
     return path;
 }
+
+} // namespace tervoxal

@@ -7,11 +7,13 @@
 
 #pragma once
 
-#include "state.h"
+#include "replay/state.h"
 
 #include <span>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 struct Path {
     /// An automaton that is elsewhere at a position than at the one before.
@@ -35,3 +37,5 @@ struct Path {
 /// Each text is a 0 or 1 for each bit of choices.h, anything else being a 0. Linear in the
 /// texts and the moves that they choose among.
 [[nodiscard]] Path decodeChoices(const NetTimedModel& model, std::span<const std::string> texts);
+
+} // namespace tervoxal

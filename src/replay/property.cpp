@@ -1,7 +1,9 @@
-#include "property.h"
+#include "replay/property.h"
 
 #include <algorithm>
 #include <map>
+
+namespace tervoxal {
 
 Property::Property(const NetTimedModel& model, Condition question)
     : condition(std::move(question)) {
@@ -113,3 +115,5 @@ bool Property::holds() {
     stale = false;
     return value;
 }
+
+} // namespace tervoxal

@@ -7,14 +7,16 @@
 
 #pragma once
 
-#include "condition.h"
-#include "state.h"
+#include "query/condition.h"
+#include "replay/state.h"
 
 #include <cstddef>
 #include <optional>
 #include <set>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 /// A condition in a state that changes.
 class Property {
@@ -50,3 +52,5 @@ private:
     bool value = false;
     bool stale = true;
 };
+
+} // namespace tervoxal

@@ -1,12 +1,14 @@
-#include "sidefile.h"
+#include "replay/sidefile.h"
 
-#include "fatal.h"
-#include "filenames.h"
-#include "lines.h"
-#include "scanner.h"
+#include "text/fatal.h"
+#include "system/filenames.h"
+#include "text/lines.h"
+#include "text/scanner.h"
 
 #include <fstream>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -73,3 +75,5 @@ int readSideFile(const NetTimedModel& model, int k, const std::string& name) {
     }
     return static_cast<int>(variables);
 }
+
+} // namespace tervoxal

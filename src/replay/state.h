@@ -6,9 +6,11 @@
 
 #pragma once
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include <vector>
+
+namespace tervoxal {
 
 using State = std::vector<uint>;
 
@@ -23,3 +25,5 @@ struct Change {
 [[nodiscard]] inline State initialState(const NetTimedModel& model) {
     return State(static_cast<std::size_t>(model.nrOfAutomata) + 1);
 }
+
+} // namespace tervoxal

@@ -1,10 +1,12 @@
-#include "transitions.h"
+#include "replay/transitions.h"
 
 #include <algorithm>
 #include <cassert>
 #include <limits>
 #include <tuple>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -135,3 +137,5 @@ std::vector<uint> Transitions::actions(const State& from, const State& to,
     std::sort(numbers.begin(), numbers.end());
     return numbers;
 }
+
+} // namespace tervoxal

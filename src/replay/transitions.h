@@ -9,11 +9,13 @@
 
 #pragma once
 
-#include "state.h"
+#include "replay/state.h"
 
 #include <set>
 #include <span>
 #include <vector>
+
+namespace tervoxal {
 
 class Transitions {
 public:
@@ -66,3 +68,5 @@ private:
     std::vector<uint> idlers;       // the automata whose self loops are in the index, ascending
     std::vector<uint> alwaysActive; // the numbers of the actions without an owner, ascending
 };
+
+} // namespace tervoxal

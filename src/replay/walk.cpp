@@ -1,10 +1,12 @@
-#include "walk.h"
+#include "replay/walk.h"
 
-#include "fatal.h"
-#include "readable.h"
+#include "text/fatal.h"
+#include "text/readable.h"
 
 #include <algorithm>
 #include <string>
+
+namespace tervoxal {
 
 Walk::Walk(const Transitions& transitions, const Path& path, const Condition& condition)
     : steps(&transitions), path(&path), property(transitions.model, condition), before(path.first),
@@ -80,3 +82,5 @@ void replay(Walk walk, const Names& names) {
     }
     if (!met) error("the formula holds at no position of the path");
 }
+
+} // namespace tervoxal

@@ -3,14 +3,16 @@
 
 #pragma once
 
-#include "names.h"
-#include "path.h"
-#include "property.h"
-#include "transitions.h"
+#include "model/names.h"
+#include "replay/path.h"
+#include "replay/property.h"
+#include "replay/transitions.h"
 
 #include <set>
 #include <span>
 #include <vector>
+
+namespace tervoxal {
 
 class Walk {
 public:
@@ -54,3 +56,5 @@ private:
 /// step without an action or that never meets the formula ends the process with status 1 and one
 /// line on standard error.
 void replay(Walk walk, const Names& names);
+
+} // namespace tervoxal

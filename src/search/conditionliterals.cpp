@@ -1,7 +1,9 @@
-#include "conditionliterals.h"
+#include "search/conditionliterals.h"
 
 #include <algorithm>
 #include <cstddef>
+
+namespace tervoxal {
 
 ConditionLiterals::ConditionLiterals(const Unrolling& unrolling, Solver& solver)
     : unrolling(unrolling), solver(solver) {}
@@ -49,24 +51,24 @@ int ConditionLiterals::atom(const Condition::Token& token) {
 
 int ConditionLiterals::prop(uint number) {
     std::vector<int> literals;
-    for (const auto& [a, l] : unrolling.tables.carriers(number)) literals.push_back(at(a, l));
+    for (const auto& [a, l] : unrolling.network.carriers(number)) literals.push_back(at(a, l));
     return some(std::move(literals));
 }
 
 int ConditionLiterals::at(uint automaton, uint location) const {
-    const Tables::Place place = unrolling.tables.place(automaton, location);
+    const FlatNetwork::Place place = unrolling.network.place(automaton, location);
     return place.location ? unrolling.location(position, *place.location) : constant(place.always);
 }
 
 int ConditionLiterals::enabled(uint action) {
-    const Tables& tables = unrolling.tables;
-    const auto x = tables.action(action);
+    const FlatNetwork& network = unrolling.network;
+    const auto x = network.action(action);
     if (!x) return constant(false);
     std::vector<int> missing;
-    for (uint p = tables.participantsBegin(*x); p < tables.actions[*x].participantsEnd; ++p) {
+    for (const uint p : network.participantsOf(*x)) {
         std::vector<int> sources;
-        for (uint m = tables.movesBegin(p); m < tables.participants[p].movesEnd; ++m) {
-            sources.push_back(unrolling.location(position, tables.moves[m].source));
+        for (const uint m : network.movesOf(p)) {
+            sources.push_back(unrolling.location(position, network.moves[m].source));
         }
         missing.push_back(-some(std::move(sources)));
     }
@@ -75,8 +77,10 @@ int ConditionLiterals::enabled(uint action) {
 
 int ConditionLiterals::deadlock() {
     std::vector<int> possible;
-    for (const Tables::Action& action : unrolling.tables.actions) {
+    for (const FlatNetwork::Action& action : unrolling.network.actions) {
         possible.push_back(atom({Condition::Term::enabled, action.number}));
     }
     return -some(std::move(possible));
 }
+
+} // namespace tervoxal

@@ -3,14 +3,16 @@
 
 #pragma once
 
-#include "condition.h"
-#include "solver.h"
-#include "unrolling.h"
+#include "query/condition.h"
+#include "search/solver.h"
+#include "search/unrolling.h"
 
 #include <map>
 #include <tuple>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 class ConditionLiterals {
 public:
@@ -42,3 +44,5 @@ private:
     int position = 0;                                            // of the condition at hand
     std::map<std::tuple<int, Condition::Term, uint>, int> atoms; // by position
 };
+
+} // namespace tervoxal

@@ -1,9 +1,11 @@
-#include "solver.h"
+#include "search/solver.h"
 
 #include <cadical.hpp>
 #include <cassert>
 #include <limits>
 #include <utility>
+
+namespace tervoxal {
 
 class Solver::Library : public CaDiCaL::Terminator, public CaDiCaL::Learner {
 public:
@@ -86,3 +88,5 @@ void Solver::setStop(std::function<bool()> stop) {
 }
 
 std::int64_t Solver::conflicts() const { return library->conflicts; }
+
+} // namespace tervoxal

@@ -12,6 +12,8 @@
 #include <memory>
 #include <span>
 
+namespace tervoxal {
+
 class Solver {
 public:
     enum class Verdict { satisfiable, unsatisfiable, unknown };
@@ -54,3 +56,5 @@ private:
     std::unique_ptr<Library> library;
     int last = 0;
 };
+
+} // namespace tervoxal

@@ -1,10 +1,12 @@
-#include "stepclauses.h"
+#include "search/stepclauses.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <numeric>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -19,7 +21,7 @@ struct Mover {
 };
 
 /// What happens to a location.
-struct Event {
+struct Effect {
     enum class Kind { test, leave, come };
 
     Kind kind;
@@ -30,13 +32,13 @@ struct Event {
 
 class Maker {
 public:
-    Maker(StepClauses& made, const Tables& tables, const Scope& scope, Says without)
-        : made(made), tables(tables), scope(scope), without(without) {}
+    Maker(StepClauses& made, const FlatNetwork& network, const Scope& scope, Says without)
+        : made(made), network(network), scope(scope), without(without) {}
 
     void make();
 
 private:
-    int newVar(uint late, uint ahead);
+    int newVar(uint level, uint distance);
     void say(Says what, std::initializer_list<int> clause) {
         say(what, std::span(clause.begin(), clause.size()));
     }
@@ -50,7 +52,7 @@ private:
     void state(uint a);
     void unordered(uint a);
     void ordered(uint a);
-    void ordered(uint l, std::vector<Event>& events, bool bit);
+    void ordered(uint l, std::vector<Effect>& events, bool bit);
     void sortClauses();
     void countVariables();
 
@@ -63,33 +65,33 @@ private:
         const uint begin = a == 0 ? 0 : moversEnd[a - 1];
         return std::span(movers).subspan(begin, moversEnd[a] - begin);
     }
-    [[nodiscard]] uint participantsEnd(uint x) const { return tables.actions[x].participantsEnd; }
+    [[nodiscard]] uint participantsEnd(uint x) const { return network.actions[x].participantsEnd; }
 
     StepClauses& made;
-    const Tables& tables;
+    const FlatNetwork& network;
     const Scope& scope;
     const Says without;
-    std::vector<uint> distance; // of each automaton
+    std::vector<uint> distances; // of each automaton
     std::vector<Mover> movers;  // by automaton
     std::vector<uint> moversEnd;
     std::vector<std::pair<uint, std::size_t>> clauses; // how far ahead they matter, and their ends
 };
 
-int Maker::newVar(uint late, uint ahead) {
-    if (scope.steps == Steps::ordered || !scope.initial || without == Says::start) late = 0;
-    made.variables.push_back({late, ahead, 0});
-    if (late != never) made.lastLate = std::max(made.lastLate, late);
+int Maker::newVar(uint level, uint distance) {
+    if (scope.kind == StepKind::relaxed || !scope.initial || without == Says::start) level = 0;
+    made.variables.push_back({level, distance, 0});
+    if (level != never) made.lastLevel = std::max(made.lastLevel, level);
     return static_cast<int>(made.variables.size());
 }
 
 void Maker::say(Says what, std::span<const int> clause) {
     if (what == without) return;
-    uint ahead = 1;
-    for (const int literal : clause) ahead = std::max(ahead, made.variable(literal).ahead);
-    if (ahead == never) return;
+    uint distance = 1;
+    for (const int literal : clause) distance = std::max(distance, made.variable(literal).distance);
+    if (distance == never) return;
     made.clauses.insert(made.clauses.end(), clause.begin(), clause.end());
     made.clauses.push_back(0);
-    clauses.emplace_back(ahead, made.clauses.size());
+    clauses.emplace_back(distance, made.clauses.size());
 }
 
 /// Pairs of few. Of many, each literal fixes the row and the column of a square in which it stands,
@@ -107,11 +109,11 @@ void Maker::atMostOne(Says what, std::span<const int> literals) {
     std::vector<int> rows((n + side - 1) / side);
     std::vector<int> columns(side);
     for (std::size_t i = 0; i < n; ++i) {
-        const uint ahead = made.variable(literals[i]).ahead;
+        const uint distance = made.variable(literals[i]).distance;
         for (int* line : {&rows[i / side], &columns[i % side]}) {
-            if (*line == 0) *line = newVar(0, ahead);
-            uint& least = made.variables[static_cast<std::size_t>(*line) - 1].ahead;
-            least = std::min(least, ahead);
+            if (*line == 0) *line = newVar(0, distance);
+            uint& least = made.variables[static_cast<std::size_t>(*line) - 1].distance;
+            least = std::min(least, distance);
             say(what, {-literals[i], *line});
         }
     }
@@ -119,48 +121,48 @@ void Maker::atMostOne(Says what, std::span<const int> literals) {
     atMostOne(what, columns);
 }
 
-/// The distance of an automaton from those that are looked at, by actions that they share. What
+/// The distances of an automaton from those that are looked at, by actions that they share. What
 /// actions in an order do to an automaton has to be told all at once.
 void Maker::measureDistances() {
-    distance.assign(tables.automata.size(), 0);
-    if (scope.lookedAt.empty()) return;
-    std::vector<std::vector<uint>> actionsOf(tables.automata.size());
-    for (uint x = 0; x < tables.actions.size(); ++x) {
-        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
-            actionsOf[tables.participants[p].automaton].push_back(x);
+    distances.assign(network.automata.size(), 0);
+    if (scope.cone.empty()) return;
+    std::vector<std::vector<uint>> actionsOf(network.automata.size());
+    for (uint x = 0; x < network.actions.size(); ++x) {
+        for (const uint p : network.participantsOf(x)) {
+            actionsOf[network.participants[p].automaton].push_back(x);
         }
     }
     std::vector<uint> queue;
-    std::vector<bool> seen(tables.actions.size());
-    for (uint a = 0; a < distance.size(); ++a) {
-        distance[a] = scope.lookedAt[a] ? 0 : never;
-        if (scope.lookedAt[a]) queue.push_back(a);
+    std::vector<bool> seen(network.actions.size());
+    for (uint a = 0; a < distances.size(); ++a) {
+        distances[a] = scope.cone[a] ? 0 : never;
+        if (scope.cone[a]) queue.push_back(a);
     }
     for (std::size_t i = 0; i < queue.size(); ++i) {
-        const uint further = distance[queue[i]] + 1;
+        const uint further = distances[queue[i]] + 1;
         for (const uint x : actionsOf[queue[i]]) {
             if (seen[x]) continue;
             seen[x] = true;
-            for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
-                const uint other = tables.participants[p].automaton;
-                if (distance[other] != never) continue;
-                distance[other] = further;
+            for (const uint p : network.participantsOf(x)) {
+                const uint other = network.participants[p].automaton;
+                if (distances[other] != never) continue;
+                distances[other] = further;
                 queue.push_back(other);
             }
         }
     }
-    if (scope.steps != Steps::ordered) return;
-    for (uint& a : distance) a = a == never ? never : 0;
+    if (scope.kind != StepKind::relaxed) return;
+    for (uint& a : distances) a = a == never ? never : 0;
 }
 
 void Maker::layOutState() {
     for (const uint next : {0U, 1U}) {
-        for (uint a = 0; a < tables.automata.size(); ++a) {
-            const uint begin = tables.locationsBegin(a);
-            const uint end = tables.automata[a].locationsEnd;
+        for (uint a = 0; a < network.automata.size(); ++a) {
+            const uint begin = network.locationsBegin(a);
+            const uint end = network.automata[a].locationsEnd;
             for (uint l = end - begin == 2 ? begin + 1 : begin; l < end; ++l) {
-                const uint layer = tables.locations[l].layer;
-                const int var = newVar(layer - std::min(layer, next), distance[a]);
+                const uint level = network.locations[l].level;
+                const int var = newVar(level - std::min(level, next), distances[a]);
                 if (next == 1) continue;
                 if (end - begin == 2) made.locations.push_back(-var);
                 made.locations.push_back(var);
@@ -171,67 +173,67 @@ void Maker::layOutState() {
 }
 
 void Maker::layOutActions() {
-    made.order.resize(tables.actions.size());
+    made.order.resize(network.actions.size());
     std::iota(made.order.begin(), made.order.end(), 0U);
-    if (scope.steps == Steps::ordered) {
+    if (scope.kind == StepKind::relaxed) {
         std::stable_sort(made.order.begin(), made.order.end(), [&](uint x, uint y) {
-            return tables.actions[x].layer < tables.actions[y].layer;
+            return network.actions[x].level < network.actions[y].level;
         });
     }
-    const uint apart = scope.steps == Steps::ordered ? 0 : 1; // an action and what it moves
+    const uint apart = scope.kind == StepKind::relaxed ? 0 : 1; // an action and what it moves
     made.busy = newVar(0, 0);
     std::vector<int> some = {-made.busy};
-    for (uint x = 0; x < tables.actions.size(); ++x) {
-        uint ahead = scope.lookedAt.empty() ? 0 : never;
-        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
-            const uint near = distance[tables.participants[p].automaton];
-            if (near != never) ahead = std::min(ahead, near + apart);
+    for (uint x = 0; x < network.actions.size(); ++x) {
+        uint distance = scope.cone.empty() ? 0 : never;
+        for (const uint p : network.participantsOf(x)) {
+            const uint near = distances[network.participants[p].automaton];
+            if (near != never) distance = std::min(distance, near + apart);
         }
-        const uint layer = tables.actions[x].layer;
-        const int action = newVar(layer, ahead);
+        const uint level = network.actions[x].level;
+        const int action = newVar(level, distance);
         made.actions.push_back(action);
         some.push_back(action);
-        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
-            const uint begin = tables.movesBegin(p);
-            const uint end = tables.participants[p].movesEnd;
+        for (const uint p : network.participantsOf(x)) {
+            const uint begin = network.movesBegin(p);
+            const uint end = network.participants[p].movesEnd;
             if (end - begin == 1) {
                 made.moves.push_back(action);
                 continue;
             }
             std::vector<int> choice = {-action};
             for (uint m = begin; m < end; ++m) {
-                const uint source = tables.locations[tables.moves[m].source].layer;
-                choice.push_back(newVar(std::max(layer, source), ahead));
+                const uint source = network.locations[network.moves[m].source].level;
+                choice.push_back(newVar(std::max(level, source), distance));
                 made.moves.push_back(choice.back());
                 say(Says::taken, {-choice.back(), action});
             }
             say(Says::choice, choice);
-            if (scope.steps == Steps::ordered) {
+            if (scope.kind == StepKind::relaxed) {
                 atMostOne(Says::exclusion, std::span(choice).subspan(1));
             }
         }
     }
     say(Says::busy, some);
-    if (scope.steps == Steps::serial) atMostOne(Says::exclusion, made.actions);
+    if (scope.kind == StepKind::interleaving) atMostOne(Says::exclusion, made.actions);
 }
 
 void Maker::layOutMovers() {
     std::vector<uint> rank(made.order.size());
     for (uint i = 0; i < rank.size(); ++i) rank[made.order[i]] = i;
-    moversEnd.resize(tables.automata.size());
-    for (uint p = 0; p < tables.participants.size(); ++p) {
-        moversEnd[tables.participants[p].automaton] +=
-            tables.participants[p].movesEnd - tables.movesBegin(p);
+    moversEnd.resize(network.automata.size());
+    for (uint p = 0; p < network.participants.size(); ++p) {
+        moversEnd[network.participants[p].automaton] +=
+            network.participants[p].movesEnd - network.movesBegin(p);
     }
     std::partial_sum(moversEnd.begin(), moversEnd.end(), moversEnd.begin());
     std::vector<uint> at(moversEnd.size());
     for (uint a = 1; a < at.size(); ++a) at[a] = moversEnd[a - 1];
-    movers.resize(tables.moves.size());
-    for (uint x = 0; x < tables.actions.size(); ++x) {
-        for (uint p = tables.participantsBegin(x); p < participantsEnd(x); ++p) {
-            for (uint m = tables.movesBegin(p); m < tables.participants[p].movesEnd; ++m) {
-                movers[at[tables.participants[p].automaton]++] = {
-                    tables.moves[m].source, tables.moves[m].target, rank[x], made.moves[m]};
+    movers.resize(network.moves.size());
+    for (uint x = 0; x < network.actions.size(); ++x) {
+        for (const uint p : network.participantsOf(x)) {
+            for (const uint m : network.movesOf(p)) {
+                movers[at[network.participants[p].automaton]++] = {
+                    network.moves[m].source, network.moves[m].target, rank[x], made.moves[m]};
             }
         }
     }
@@ -239,12 +241,12 @@ void Maker::layOutMovers() {
 
 void Maker::state(uint a) {
     std::vector<int> in;
-    for (uint l = tables.locationsBegin(a); l < tables.automata[a].locationsEnd; ++l) {
+    for (const uint l : network.locationsOf(a)) {
         in.push_back(next(l));
     }
     if (in.size() == 2) return;
     say(Says::somewhere, in);
-    if (scope.steps != Steps::ordered) atMostOne(Says::once, in);
+    if (scope.kind != StepKind::relaxed) atMostOne(Says::once, in);
 }
 
 /// Of moves that differ in source or target one at most is possible, since the automaton is in one
@@ -252,8 +254,8 @@ void Maker::state(uint a) {
 /// location need not.
 void Maker::unordered(uint a) {
     const std::span<Mover> moves = moversOf(a);
-    const uint begin = tables.locationsBegin(a);
-    const uint end = tables.automata[a].locationsEnd;
+    const uint begin = network.locationsBegin(a);
+    const uint end = network.automata[a].locationsEnd;
     std::vector<std::vector<int>> into(end - begin);
     std::vector<std::vector<int>> outOf(end - begin);
     std::stable_sort(moves.begin(), moves.end(), [](const Mover& x, const Mover& y) {
@@ -273,7 +275,7 @@ void Maker::unordered(uint a) {
         for (auto* list : {&into[first.target - begin], &outOf[first.source - begin]}) {
             list->insert(list->end(), same.begin(), same.end());
         }
-        if (scope.steps == Steps::parallel) atMostOne(Says::exclusion, same);
+        if (scope.kind == StepKind::independent) atMostOne(Says::exclusion, same);
     }
     for (uint l = begin; l < end; ++l) {
         std::vector<int>& in = into[l - begin];
@@ -287,11 +289,11 @@ void Maker::unordered(uint a) {
 }
 
 void Maker::ordered(uint a) {
-    using Kind = Event::Kind;
-    const uint begin = tables.locationsBegin(a);
-    const uint end = tables.automata[a].locationsEnd;
+    using Kind = Effect::Kind;
+    const uint begin = network.locationsBegin(a);
+    const uint end = network.automata[a].locationsEnd;
     const bool bit = end - begin == 2;
-    std::vector<std::vector<Event>> events(end - begin);
+    std::vector<std::vector<Effect>> events(end - begin);
     for (const Mover& move : moversOf(a)) {
         const bool test = move.source == move.target;
         if (bit) {
@@ -311,9 +313,9 @@ void Maker::ordered(uint a) {
 /// Whether an automaton is in a location, from one event to the next. Events of one kind in a row
 /// are one: of those that leave it only one can be, and of those that come to it as well, since the
 /// automaton is elsewhere before.
-void Maker::ordered(uint l, std::vector<Event>& events, bool bit) {
-    using Kind = Event::Kind;
-    std::stable_sort(events.begin(), events.end(), [](const Event& x, const Event& y) {
+void Maker::ordered(uint l, std::vector<Effect>& events, bool bit) {
+    using Kind = Effect::Kind;
+    std::stable_sort(events.begin(), events.end(), [](const Effect& x, const Effect& y) {
         return std::pair(x.rank, x.kind) < std::pair(y.rank, y.kind);
     });
     std::size_t last = events.size(); // behind the last change
@@ -332,7 +334,7 @@ void Maker::ordered(uint l, std::vector<Event>& events, bool bit) {
         }
         std::vector<int> same;
         for (; i < events.size() && events[i].kind == kind; ++i) same.push_back(events[i].var);
-        const int then = i >= last ? next(l) : newVar(0, made.variable(value).ahead);
+        const int then = i >= last ? next(l) : newVar(0, made.variable(value).distance);
         const int was = kind == Kind::come ? value : -value;
         const int is = kind == Kind::come ? then : -then;
         const bool alone = bit || kind == Kind::leave;
@@ -371,14 +373,14 @@ void Maker::countVariables() {
     const auto size = static_cast<std::size_t>(made.stateSize);
     for (std::size_t v = 0; v < made.variables.size(); ++v) {
         StepClauses::Variable& variable = made.variables[v];
-        if (variable.ahead == never) continue;
+        if (variable.distance == never) continue;
         if (v >= size && v < 2 * size) {
             variable.offset = made.variables[v - size].offset;
             continue;
         }
         std::vector<uint>& blocks = v < size ? made.stateBlocks : made.stepBlocks;
-        blocks.resize(std::max<std::size_t>(blocks.size(), variable.ahead + 1));
-        variable.offset = blocks[variable.ahead]++;
+        blocks.resize(std::max<std::size_t>(blocks.size(), variable.distance + 1));
+        variable.offset = blocks[variable.distance]++;
     }
 }
 
@@ -387,15 +389,15 @@ void Maker::make() {
     layOutState();
     layOutActions();
     layOutMovers();
-    for (uint a = 0; a < tables.automata.size(); ++a) {
-        if (scope.steps == Steps::ordered) {
+    for (uint a = 0; a < network.automata.size(); ++a) {
+        if (scope.kind == StepKind::relaxed) {
             ordered(a);
         } else {
             unordered(a);
         }
     }
     const std::size_t alone = made.clauses.size();
-    for (uint a = 0; a < tables.automata.size(); ++a) state(a);
+    for (uint a = 0; a < network.automata.size(); ++a) state(a);
     if (!scope.initial) {
         made.stateClauses.assign(made.clauses.begin() + static_cast<std::ptrdiff_t>(alone),
                                  made.clauses.end());
@@ -406,6 +408,8 @@ void Maker::make() {
 
 } // namespace
 
-StepClauses::StepClauses(const Tables& tables, const Scope& scope, Says without) {
-    Maker(*this, tables, scope, without).make();
+StepClauses::StepClauses(const FlatNetwork& network, const Scope& scope, Says without) {
+    Maker(*this, network, scope, without).make();
 }
+
+} // namespace tervoxal

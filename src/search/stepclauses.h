@@ -6,7 +6,7 @@
 // each location, but one for both locations of an automaton of two, which is true in the second. A
 // step has one for each action, one for each move of a participant with a choice, and some that
 // count to one. With all actions independent in a step (parallel), the clauses of examples/two are,
-// by the locations 0 to 4 and the actions 0 to 3 of its tables (l' is behind the step):
+// by the locations 0 to 4 and the actions 0 to 3 of its network (l' is behind the step):
 //
 //     source, target   action 0: 3 and 4'    action 1: 0 and 1', 2 and 3'
 //                      action 2: 1 and 0'    action 3: 4 and 2'
@@ -23,15 +23,17 @@
 
 #pragma once
 
-#include "tables.h"
+#include "model/flatnetwork.h"
 
 #include <cstddef>
 #include <initializer_list>
 #include <span>
 #include <vector>
 
+namespace tervoxal {
+
 /// What may be in one step.
-enum class Steps { serial, parallel, ordered };
+enum class StepKind { interleaving, independent, relaxed };
 
 /// The clauses by what they say.
 enum class Says {
@@ -50,21 +52,21 @@ enum class Says {
 
 /// What is unrolled.
 struct Scope {
-    Steps steps;
+    StepKind kind;
     /// From the initial state, or else from any.
     bool initial = true;
     /// By automaton: only what can have to do with these at the last position, so that a run may
     /// lack actions that have nothing to do with them. Empty: all that can happen.
-    std::vector<bool> lookedAt{};
+    std::vector<bool> cone{};
 };
 
 struct StepClauses {
-    /// Linear in the tables, but for sorting.
-    StepClauses(const Tables& tables, const Scope& scope, Says without);
+    /// Linear in the network, but for sorting.
+    StepClauses(const FlatNetwork& network, const Scope& scope, Says without);
 
     struct Variable {
-        uint late;   // it is false in that many of the first steps
-        uint ahead;  // it matters only that many steps ahead of the last position, or more
+        uint level;   // it is false in that many of the first steps
+        uint distance;  // it matters only that many steps ahead of the last position, or more
         uint offset; // among those of a state, or of a step, that matter as far ahead
     };
     std::vector<Variable> variables; // from 1 on
@@ -83,9 +85,11 @@ struct StepClauses {
     /// The end of those that matter one step ahead of the last position, two, ...
     std::vector<std::size_t> clausesEnd;
     std::vector<int> stateClauses; // of a state alone
-    uint lastLate = 0;
+    uint lastLevel = 0;
 
     [[nodiscard]] const Variable& variable(int literal) const {
         return variables[static_cast<std::size_t>(literal < 0 ? -literal : literal) - 1];
     }
 };
+
+} // namespace tervoxal

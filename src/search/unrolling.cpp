@@ -1,12 +1,14 @@
-#include "unrolling.h"
+#include "search/unrolling.h"
 
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
 
-Unrolling::Unrolling(const Tables& tables, Solver& solver, const Scope& scope, Says without)
-    : tables(tables), solver(solver), scope(scope), without(without),
-      clauses(tables, this->scope, without), verity(solver.newVariable()), states(1), steps(1) {
+namespace tervoxal {
+
+Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope, Says without)
+    : network(network), solver(solver), scope(scope), without(without),
+      clauses(network, this->scope, without), verity(solver.newVariable()), states(1), steps(1) {
     solver.add({verity});
     busyAt.push_back(verity);
     allot(states[0], clauses.stateBlocks, 0);
@@ -17,31 +19,31 @@ Unrolling::Unrolling(const Tables& tables, Solver& solver, const Scope& scope, S
         }
         give(-1, clauses.stateClauses);
     } else if (without != Says::start) {
-        for (uint l = 0; l < tables.locations.size(); ++l) {
+        for (uint l = 0; l < network.locations.size(); ++l) {
             if (clauses.locations[l] > 0) starting.push_back(l);
         }
-        const auto ahead = [&](uint l) { return clauses.variable(clauses.locations[l]).ahead; };
+        const auto distance = [&](uint l) { return clauses.variable(clauses.locations[l]).distance; };
         std::stable_sort(starting.begin(), starting.end(),
-                         [&](uint l, uint m) { return ahead(l) < ahead(m); });
+                         [&](uint l, uint m) { return distance(l) < distance(m); });
     }
     start();
 }
 
 /// Gives variables to those that matter so many steps ahead.
-void Unrolling::allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t ahead) {
-    if (ahead >= sizes.size()) return;
-    assert(blocks.size() == ahead);
-    blocks.push_back(solver.newVariables(sizes[ahead]));
-    given += sizes[ahead];
+void Unrolling::allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t distance) {
+    if (distance >= sizes.size()) return;
+    assert(blocks.size() == distance);
+    blocks.push_back(solver.newVariables(sizes[distance]));
+    given += sizes[distance];
 }
 
 /// The initial state, as far as it matters by now.
 void Unrolling::start() {
     for (; started < starting.size(); ++started) {
         const uint l = starting[started];
-        if (clauses.variable(clauses.locations[l]).ahead > static_cast<uint>(depth())) return;
+        if (clauses.variable(clauses.locations[l]).distance > static_cast<uint>(depth())) return;
         const int var = number(clauses.locations[l], 0);
-        solver.add({tables.locations[l].number == 0 ? var : -var});
+        solver.add({network.locations[l].number == 0 ? var : -var});
     }
 }
 
@@ -51,9 +53,9 @@ void Unrolling::step() {
     const auto last = static_cast<std::size_t>(depth());
     const std::size_t furthest = std::max(clauses.stateBlocks.size(), clauses.stepBlocks.size());
     for (std::size_t p = last; p > 0; --p) {
-        const std::size_t ahead = last - p + 1; // of the step that comes to it
-        if (ahead >= furthest && p < last) break;
-        for (std::size_t d = p == last ? 0 : ahead; d <= ahead; ++d) {
+        const std::size_t distance = last - p + 1; // of the step that comes to it
+        if (distance >= furthest && p < last) break;
+        for (std::size_t d = p == last ? 0 : distance; d <= distance; ++d) {
             allot(states[p], clauses.stateBlocks, d);
             allot(steps[p], clauses.stepBlocks, d);
         }
@@ -78,8 +80,8 @@ int Unrolling::number(int var, int step) const {
     const Blocks& blocks = var <= clauses.stateSize       ? states[to - 1]
                            : var <= 2 * clauses.stateSize ? states[to]
                                                           : steps[to];
-    assert(variable.ahead < blocks.size());
-    return blocks[variable.ahead] + static_cast<int>(variable.offset);
+    assert(variable.distance < blocks.size());
+    return blocks[variable.distance] + static_cast<int>(variable.offset);
 }
 
 /// Gives the clauses to the solver as those of a step. A clause with a variable that is still false
@@ -87,13 +89,13 @@ int Unrolling::number(int var, int step) const {
 void Unrolling::give(int step, std::span<const int> literals) {
     shifted.clear();
     std::size_t begin = 0; // of the clause
-    const bool filtered = step < static_cast<int>(clauses.lastLate);
+    const bool filtered = step < static_cast<int>(clauses.lastLevel);
     for (std::size_t i = 0; i < literals.size(); ++i) {
         const int literal = literals[i];
         if (literal == 0) {
             shifted.push_back(0);
             begin = shifted.size();
-        } else if (!filtered || clauses.variable(literal).late <= static_cast<uint>(step)) {
+        } else if (!filtered || clauses.variable(literal).level <= static_cast<uint>(step)) {
             shifted.push_back(literal < 0 ? -number(-literal, step) : number(literal, step));
         } else if (literal < 0) {
             shifted.resize(begin);
@@ -106,9 +108,9 @@ void Unrolling::give(int step, std::span<const int> literals) {
 
 int Unrolling::location(int position, uint l) const {
     const int var = clauses.locations[l];
-    const uint layer = tables.locations[var > 0 ? l : l + 1].layer;
+    const uint level = network.locations[var > 0 ? l : l + 1].level;
     const bool anywhere = !scope.initial || without == Says::start;
-    const uint first = anywhere ? 0 : scope.steps == Steps::ordered ? std::min(layer, 1U) : layer;
+    const uint first = anywhere ? 0 : scope.kind == StepKind::relaxed ? std::min(level, 1U) : level;
     if (static_cast<uint>(position) < first) return var < 0 ? verity : -verity;
     return var < 0 ? -number(-var, position) : number(var, position);
 }
@@ -117,16 +119,16 @@ Run Unrolling::run(int position) const {
     Run run;
     for (int p = 0; p < position; ++p) {
         const auto holds = [&](int var) {
-            const auto& [late, ahead, offset] = clauses.variable(var);
-            return late <= static_cast<uint>(p) && ahead <= static_cast<uint>(position - p) &&
+            const auto& [level, distance, offset] = clauses.variable(var);
+            return level <= static_cast<uint>(p) && distance <= static_cast<uint>(position - p) &&
                    solver.value(number(var, p));
         };
         for (const uint x : clauses.order) {
             if (!holds(clauses.actions[x])) continue;
             run.push_back({x, {}});
-            for (uint i = tables.participantsBegin(x); i < tables.actions[x].participantsEnd; ++i) {
-                uint chosen = tables.movesBegin(i);
-                for (uint m = chosen + 1; m < tables.participants[i].movesEnd; ++m) {
+            for (const uint i : network.participantsOf(x)) {
+                uint chosen = network.movesBegin(i);
+                for (uint m = chosen + 1; m < network.participants[i].movesEnd; ++m) {
                     if (holds(clauses.moves[m])) chosen = m;
                 }
                 run.back().moves.push_back(chosen);
@@ -135,3 +137,5 @@ Run Unrolling::run(int position) const {
     }
     return run;
 }
+
+} // namespace tervoxal

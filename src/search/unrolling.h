@@ -10,19 +10,21 @@
 
 #pragma once
 
-#include "run.h"
-#include "solver.h"
-#include "stepclauses.h"
-#include "tables.h"
+#include "search/firing.h"
+#include "search/solver.h"
+#include "search/stepclauses.h"
+#include "model/flatnetwork.h"
 
 #include <cstdint>
 #include <vector>
 
+namespace tervoxal {
+
 class Unrolling {
 public:
-    /// At position 0. The tables and the solver must outlive it. One kind of clauses may be left
+    /// At position 0. The network and the solver must outlive it. One kind of clauses may be left
     /// out, so that tests can see what it is for.
-    Unrolling(const Tables& tables, Solver& solver, const Scope& scope,
+    Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope,
               Says without = Says::nothing);
 
     /// One more position.
@@ -50,13 +52,13 @@ public:
         return static_cast<std::int64_t>(clauses.clauses.size());
     }
 
-    const Tables& tables;
+    const FlatNetwork& network;
 
 private:
     /// The first variable of each block of a state or of a step: those that matter in the last
     /// state, one step ahead, two, ... Only what has come to matter has variables.
     using Blocks = std::vector<int>;
-    void allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t ahead);
+    void allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t distance);
     void start();
     [[nodiscard]] int number(int var, int step) const;
     void give(int step, std::span<const int> literals);
@@ -74,3 +76,5 @@ private:
     std::vector<int> shifted;   // the clauses at hand
     std::int64_t given = 0;
 };
+
+} // namespace tervoxal

@@ -1,8 +1,8 @@
-#include "sweep.h"
+#include "sweep/sweep.h"
 
-#include "amounts.h"
-#include "filenames.h"
-#include "filetext.h"
+#include "text/amounts.h"
+#include "system/filenames.h"
+#include "system/filetext.h"
 
 #include <array>
 #include <fstream>
@@ -13,6 +13,8 @@
 #include <sys/types.h>
 #include <system_error>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -90,7 +92,7 @@ Result Sweep::run() {
             startStage({next++, Length::Stage::translation, 0, std::chrono::steady_clock::now()});
             continue;
         }
-        const Event event = children.wait();
+        const ChildEvent event = children.wait();
         if (event.signal != 0) {
             std::set<pid_t> all;
             for (const auto& [child, length] : running) all.insert(child);
@@ -261,3 +263,5 @@ void Sweep::report() {
 Result sweep(const Task& task, Children& children, const fs::path& directory) {
     return Sweep(task, children, directory).run();
 }
+
+} // namespace tervoxal

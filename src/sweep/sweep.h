@@ -10,13 +10,15 @@
 
 #pragma once
 
-#include "children.h"
+#include "programs/children.h"
 
 #include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 /// What is asked, and with what.
 struct Task {
@@ -47,3 +49,5 @@ struct Result {
 /// goes to standard error, and each warning once. All children have ended when it comes back.
 [[nodiscard]] Result sweep(const Task& task, Children& children,
                            const std::filesystem::path& directory);
+
+} // namespace tervoxal

@@ -1,6 +1,6 @@
-#include "ectlform.h"
+#include "temporal/ectlform.h"
 
-#include "fatal.h"
+#include "text/fatal.h"
 
 #include <algorithm>
 #include <array>
@@ -10,6 +10,8 @@
 #include <iostream>
 #include <string_view>
 #include <utility>
+
+using namespace tervoxal;
 
 namespace {
 
@@ -302,9 +304,9 @@ bool operator==(const EctlForm& a, const EctlForm& b) {
     return a.op == b.op && a.left == b.left && a.right == b.right;
 }
 
-bool beginsTemporal(std::string_view text) { return isTemporal(oper(text)); }
+bool tervoxal::beginsTemporal(std::string_view text) { return isTemporal(oper(text)); }
 
-std::string valueFault(const std::vector<OnpNode>& program) {
+std::string tervoxal::valueFault(const std::vector<OnpNode>& program) {
     std::size_t formulas = 0;
     for (const OnpNode& token : program) {
         if (token.op > OpDis) return {};
@@ -319,7 +321,7 @@ std::string valueFault(const std::vector<OnpNode>& program) {
     return "formula: " + std::to_string(formulas) + " formulas in place of one";
 }
 
-void refuseWithoutValue(const std::vector<OnpNode>& program) {
+void tervoxal::refuseWithoutValue(const std::vector<OnpNode>& program) {
     const std::string fault = valueFault(program);
     if (!fault.empty()) error(fault);
 }

@@ -40,11 +40,15 @@ struct Node {
     Node* right;
 };
 
+namespace tervoxal {
+
 /// Why a text is no formula, and the column of that, counted in bytes from 1.
 struct FormulaFault {
     std::size_t column;
     std::string text;
 };
+
+} // namespace tervoxal
 
 /// A formula. Copying it copies all four fields.
 ///
@@ -59,7 +63,7 @@ public:
     EctlForm(const std::string& text);
     /// Parses likewise, but tells the leftmost fault in place of ending the process. The formula
     /// then is what stands ahead of it.
-    EctlForm(const std::string& text, std::optional<FormulaFault>& fault);
+    EctlForm(const std::string& text, std::optional<tervoxal::FormulaFault>& fault);
 
     [[nodiscard]] EctlOper getOp() const { return op; }
     /// The first operand, parsed anew; of a leaf the leaf itself.
@@ -104,13 +108,15 @@ public:
     std::vector<OnpNode> onp;
 
 private:
-    std::optional<FormulaFault> split(const std::string& text);
+    std::optional<tervoxal::FormulaFault> split(const std::string& text);
 };
 
 /// The disjunction of two formulas.
 [[nodiscard]] EctlForm dis(const EctlForm& a, const EctlForm& b);
 /// The same root and operand texts, character by character.
 [[nodiscard]] bool operator==(const EctlForm& a, const EctlForm& b);
+
+namespace tervoxal {
 
 /// Whether the text begins with a temporal operator, which has two characters.
 [[nodiscard]] bool beginsTemporal(std::string_view text);
@@ -120,3 +126,5 @@ private:
 [[nodiscard]] std::string valueFault(const std::vector<OnpNode>& program);
 /// Ends the process with status 1 and the valueFault on standard error if there is one.
 void refuseWithoutValue(const std::vector<OnpNode>& program);
+
+} // namespace tervoxal

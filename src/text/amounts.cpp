@@ -1,7 +1,9 @@
-#include "amounts.h"
+#include "text/amounts.h"
 
 #include <iomanip>
 #include <sstream>
+
+namespace tervoxal {
 
 std::string shown(std::chrono::duration<double> time) {
     std::ostringstream text;
@@ -10,3 +12,5 @@ std::string shown(std::chrono::duration<double> time) {
 }
 
 std::string steps(long n) { return std::to_string(n) + (n == 1 ? " step" : " steps"); }
+
+} // namespace tervoxal

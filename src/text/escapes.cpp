@@ -1,4 +1,6 @@
-#include "escapes.h"
+#include "text/escapes.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -31,3 +33,5 @@ std::string quoted(std::string_view text) {
     }
     return all + '"';
 }
+
+} // namespace tervoxal

@@ -7,9 +7,13 @@
 #include <string>
 #include <string_view>
 
+namespace tervoxal {
+
 /// Where the quote stands that ends the text from begin on, npos if there is none.
 [[nodiscard]] std::size_t closingQuote(std::string_view text, std::size_t begin);
 /// What stands between the quotes, as it is meant.
 [[nodiscard]] std::string unescaped(std::string_view text);
 /// The text between two quotes, as unescaped takes it.
 [[nodiscard]] std::string quoted(std::string_view text);
+
+} // namespace tervoxal

@@ -1,4 +1,4 @@
-#include "fatal.h"
+#include "text/fatal.h"
 
 #include <cstdlib>
 #include <iostream>

@@ -1,9 +1,11 @@
-#include "lines.h"
+#include "text/lines.h"
 
-#include "fatal.h"
+#include "text/fatal.h"
 
 #include <filesystem>
 #include <system_error>
+
+namespace tervoxal {
 
 std::ifstream openInput(const std::string& name) {
     std::ifstream in(name);
@@ -26,3 +28,5 @@ bool Lines::next() {
     refuseUnread(*in, name);
     return false;
 }
+
+} // namespace tervoxal

@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+namespace tervoxal {
+
 /// Opens a file for reading. One that cannot be opened, or is a directory, ends the process with
 /// status 1 and one line on standard error.
 [[nodiscard]] std::ifstream openInput(const std::string& name);
@@ -35,3 +37,5 @@ private:
     std::istream* in;
     std::string name;
 };
+
+} // namespace tervoxal

@@ -1,7 +1,9 @@
-#include "nearest.h"
+#include "text/nearest.h"
 
 #include <algorithm>
 #include <cstddef>
+
+namespace tervoxal {
 
 namespace {
 
@@ -72,3 +74,5 @@ std::vector<std::string_view> Nearest::found() const {
     for (const Candidate& c : best) words.push_back(c.word);
     return words;
 }
+
+} // namespace tervoxal

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tervoxal {
+
 /// The least number of characters to insert, drop, replace or swap with their neighbour that turns
 /// a into b, where capitals equal small letters: the optimal string alignment distance. A distance
 /// above `most` is most + 1. Linear in the length of the words for a fixed `most`.
@@ -30,3 +32,5 @@ private:
     int most;
     std::vector<Candidate> best;
 };
+
+} // namespace tervoxal

@@ -1,7 +1,9 @@
-#include "readable.h"
+#include "text/readable.h"
 
 #include <cstddef>
 #include <cstdint>
+
+namespace tervoxal {
 
 namespace {
 
@@ -61,3 +63,5 @@ std::string excerpt(std::string_view text) {
 }
 
 std::string inQuotes(std::string_view text) { return '"' + excerpt(text) + '"'; }
+
+} // namespace tervoxal

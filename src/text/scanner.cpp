@@ -1,8 +1,10 @@
-#include "scanner.h"
+#include "text/scanner.h"
 
 #include <charconv>
 #include <cstddef>
 #include <system_error>
+
+namespace tervoxal {
 
 std::string_view trimmed(std::string_view text) {
     while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
@@ -40,3 +42,5 @@ Found Scanner::number(unsigned int& n) {
     n = static_cast<unsigned int>(magnitude);
     return Found::number;
 }
+
+} // namespace tervoxal

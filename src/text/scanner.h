@@ -10,6 +10,8 @@
 #include <string_view>
 #include <system_error>
 
+namespace tervoxal {
+
 /// What was found where a number was looked for.
 enum class Found { number, nothing, negative, tooLarge };
 
@@ -56,3 +58,5 @@ private:
     const char* at;
     const char* end;
 };
+
+} // namespace tervoxal

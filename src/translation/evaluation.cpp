@@ -1,8 +1,10 @@
-#include "evaluation.h"
+#include "translation/evaluation.h"
 
 #include <cassert>
 #include <map>
 #include <utility>
+
+namespace tervoxal {
 
 Evaluation::Evaluation(const NetTimedModel& model, Condition asked)
     : model(model), condition(std::move(asked)) {
@@ -55,3 +57,5 @@ BoolForm Evaluation::value(const SymState& state) {
     built.assign(carriers.size(), {});
     return valueOf(condition, Formulas{*this, state});
 }
+
+} // namespace tervoxal

@@ -8,11 +8,13 @@
 
 #pragma once
 
-#include "condition.h"
-#include "ntamodel.h"
+#include "query/condition.h"
+#include "model/ntamodel.h"
 
 #include <optional>
 #include <vector>
+
+namespace tervoxal {
 
 /// A condition over one model.
 class Evaluation {
@@ -31,3 +33,5 @@ private:
     std::vector<std::vector<NetTimedModel::Location>> carriers; // of each atom
     std::vector<std::optional<BoolForm>> built;                 // of each atom, in the state
 };
+
+} // namespace tervoxal

@@ -1,8 +1,10 @@
-#include "reachability.h"
+#include "translation/reachability.h"
 
-#include "transitionfunction.h"
+#include "translation/transitionfunction.h"
 
 #include <set>
+
+namespace tervoxal {
 
 namespace {
 
@@ -47,3 +49,5 @@ void nameSymbols(Circuit& circuit, const NetTimedModel& model, const Names& name
         "Output 0 can become 1 exactly when the network can reach a state in which the "
         "formula holds.";
 }
+
+} // namespace tervoxal

@@ -8,9 +8,11 @@
 
 #pragma once
 
-#include "aiger.h"
-#include "condition.h"
-#include "names.h"
+#include "boolean/aiger.h"
+#include "query/condition.h"
+#include "model/names.h"
+
+namespace tervoxal {
 
 /// The circuit, without names. One of more than 999999 inputs and latches ends the process with
 /// status 1 and one line on standard error.
@@ -20,3 +22,5 @@
 /// a comment. An automaton that is called "action" or like one before it gets its number behind its
 /// name, so that no two names are equal.
 void nameSymbols(Circuit& circuit, const NetTimedModel& model, const Names& names);
+
+} // namespace tervoxal

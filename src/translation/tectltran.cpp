@@ -1,15 +1,17 @@
-#include "tectltran.h"
+#include "translation/tectltran.h"
 
-#include "evaluation.h"
-#include "filenames.h"
-#include "outputfile.h"
-#include "step.h"
+#include "translation/evaluation.h"
+#include "system/filenames.h"
+#include "system/outputfile.h"
+#include "model/step.h"
 
 #include <algorithm>
 #include <cassert>
 #include <ctime>
 #include <iostream>
 #include <utility>
+
+using namespace tervoxal;
 
 namespace {
 

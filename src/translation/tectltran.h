@@ -7,7 +7,7 @@
 
 #pragma once
 
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include <string>
 #include <vector>

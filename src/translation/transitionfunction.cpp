@@ -1,8 +1,10 @@
-#include "transitionfunction.h"
+#include "translation/transitionfunction.h"
 
 #include <cassert>
 #include <map>
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -47,7 +49,7 @@ int TransitionFunction::variableOfChoice(std::size_t bit) const {
 }
 
 BoolForm TransitionFunction::at(uint automaton, uint location) const {
-    const Tables::Place place = tables.place(automaton, location);
+    const FlatNetwork::Place place = tables.place(automaton, location);
     if (!place.location) return place.always;
     const auto first = static_cast<std::size_t>(model.bitShift[automaton]);
     return decoded(variableOfState(first), model.nrOfBits[automaton], location);
@@ -180,3 +182,5 @@ struct TransitionFunction::Atoms {
 BoolForm TransitionFunction::holds(const Condition& condition) const {
     return valueOf(condition, Atoms(*this, condition));
 }
+
+} // namespace tervoxal

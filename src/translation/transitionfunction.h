@@ -19,13 +19,15 @@
 
 #pragma once
 
-#include "choices.h"
-#include "condition.h"
-#include "tables.h"
+#include "model/choices.h"
+#include "query/condition.h"
+#include "model/flatnetwork.h"
 
 #include <compare>
 #include <map>
 #include <vector>
+
+namespace tervoxal {
 
 class TransitionFunction {
 public:
@@ -55,7 +57,7 @@ private:
     };
     struct Atoms;
 
-    const Tables tables;
+    const FlatNetwork tables;
 
     [[nodiscard]] BoolForm at(uint automaton, uint location) const;
     [[nodiscard]] BoolForm enabled(uint action) const;
@@ -65,3 +67,5 @@ private:
     void append(std::vector<BoolForm>& bits, uint automaton,
                 std::map<Effect, std::vector<BoolForm>>& taken) const;
 };
+
+} // namespace tervoxal

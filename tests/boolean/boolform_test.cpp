@@ -1,4 +1,4 @@
-#include "boolform.h"
+#include "boolean/boolform.h"
 
 #include "store.h"
 #include "support.h"
@@ -9,6 +9,8 @@
 #include <random>
 #include <set>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -181,3 +183,5 @@ TEST(StoreDeathTest, assertsItsPreconditions) {
 }
 
 } // namespace
+
+} // namespace tervoxal

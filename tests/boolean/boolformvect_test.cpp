@@ -1,4 +1,4 @@
-#include "boolformvect.h"
+#include "boolean/boolformvect.h"
 
 #include "store.h"
 #include "support.h"
@@ -7,6 +7,8 @@
 #include <functional>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -112,3 +114,5 @@ TEST(Vectors, assertTheirPreconditions) {
 }
 
 } // namespace
+
+} // namespace tervoxal

@@ -1,6 +1,8 @@
-#include "freemem.h"
+#include "driver/freemem.h"
 
 #include "support.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -13,3 +15,5 @@ TEST(FreeMemory, readsBothLayouts) {
 }
 
 } // namespace
+
+} // namespace tervoxal

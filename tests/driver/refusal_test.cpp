@@ -9,6 +9,8 @@
 #include <regex>
 #include <vector>
 
+namespace tervoxal {
+
 namespace {
 
 const std::array<std::string, 18> oddTexts = {
@@ -138,3 +140,5 @@ TEST(Refusal, companionsTakeDamagedInputOrRefuseItInOneLine) {
     }
     EXPECT_GT(std::ranges::min(outcomes), mutations / 10);
 }
+
+} // namespace tervoxal

@@ -3,13 +3,15 @@
 // run of the network that meets the formula.
 
 #include "plain.h"
-#include "property.h"
+#include "replay/property.h"
 #include "support.h"
 
 #include <cctype>
 #include <iterator>
 #include <regex>
 #include <set>
+
+namespace tervoxal {
 
 namespace {
 
@@ -178,3 +180,5 @@ TEST(Semantics, solversAgreeWithASearchOfTheStates) {
     }
     EXPECT_NEAR(satisfiable, 0.5 * networks, 0.25 * networks);
 }
+
+} // namespace tervoxal

@@ -1,6 +1,6 @@
-#include "names.h"
-#include "petrinet.h"
-#include "pnml.h"
+#include "model/names.h"
+#include "import/petrinet.h"
+#include "import/pnml.h"
 #include "support.h"
 
 #include <algorithm>
@@ -11,6 +11,8 @@
 #include <set>
 #include <utility>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -201,3 +203,5 @@ TEST(PetriNet, takesTheStepsOfTheTokenGame) {
 }
 
 } // namespace
+
+} // namespace tervoxal

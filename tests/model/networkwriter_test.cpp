@@ -1,7 +1,9 @@
-#include "networkwriter.h"
+#include "model/networkwriter.h"
 
-#include "names.h"
+#include "model/names.h"
 #include "network.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -105,3 +107,5 @@ TEST(NetworkWriter, writesWhatTheReaderReads) {
 }
 
 } // namespace
+
+} // namespace tervoxal

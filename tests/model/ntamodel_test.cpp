@@ -1,10 +1,12 @@
-#include "ntamodel.h"
+#include "model/ntamodel.h"
 
 #include "network.h"
-#include "step.h"
+#include "model/step.h"
 #include "store.h"
 
 #include <bitset>
+
+namespace tervoxal {
 
 namespace {
 
@@ -87,3 +89,5 @@ TEST(Model, otherFormulas) {
 }
 
 } // namespace
+
+} // namespace tervoxal

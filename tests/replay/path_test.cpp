@@ -5,6 +5,8 @@
 
 #include <iterator>
 
+namespace tervoxal {
+
 namespace {
 
 /// The true variables of the states, as literals of all.
@@ -117,3 +119,5 @@ TEST(PathTool, takesExactlyTheRunsThatMeetTheFormula) {
     }
     EXPECT_GT(std::ranges::min(taken), 30);
 }
+
+} // namespace tervoxal

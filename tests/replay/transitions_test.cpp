@@ -1,11 +1,13 @@
-#include "transitions.h"
+#include "replay/transitions.h"
 
-#include "path.h"
+#include "replay/path.h"
 #include "plain.h"
-#include "property.h"
+#include "replay/property.h"
 #include "randomquestion.h"
 
 #include <map>
+
+namespace tervoxal {
 
 namespace {
 
@@ -196,3 +198,5 @@ TEST(Path, isDecodedBitByBit) {
 }
 
 } // namespace
+
+} // namespace tervoxal

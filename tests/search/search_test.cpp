@@ -1,17 +1,19 @@
 // The search against an explicit search of the states, on random networks.
 
-#include "search.h"
+#include "search/search.h"
 
-#include "conditionliterals.h"
+#include "search/conditionliterals.h"
 #include "plain.h"
-#include "property.h"
-#include "transitions.h"
-#include "walk.h"
+#include "replay/property.h"
+#include "replay/transitions.h"
+#include "replay/walk.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
 #include <set>
+
+namespace tervoxal {
 
 namespace {
 
@@ -28,17 +30,17 @@ struct Expected {
         const NetTimedModel& model = transitions.model;
         const auto here = [&](const State& state) { return holds(model, condition, state); };
         const State initial = initialState(model);
-        std::set<std::pair<bool, State>> layer = {{here(initial), initial}};
+        std::set<std::pair<bool, State>> level = {{here(initial), initial}};
         for (int k = 0; k <= deepest + 1; ++k) {
-            path.push_back(!layer.empty());
-            met.push_back(!layer.empty() && layer.rbegin()->first);
+            path.push_back(!level.empty());
+            met.push_back(!level.empty() && level.rbegin()->first);
             std::set<std::pair<bool, State>> next;
-            for (const auto& [before, state] : layer) {
+            for (const auto& [before, state] : level) {
                 for (const State& s : successors(model, state)) {
                     next.emplace(before || here(s), s);
                 }
             }
-            layer.swap(next);
+            level.swap(next);
         }
         std::set<State> seen = {initial};
         for (std::vector<State> open = {initial}; !open.empty() && !ever;) {
@@ -65,9 +67,9 @@ struct Expected {
 };
 
 /// Whether a run is a path that meets the condition.
-bool meets(const Transitions& transitions, const Tables& tables, const Run& run,
+bool meets(const Transitions& transitions, const FlatNetwork& network, const Run& run,
            const Condition& condition) {
-    const Path path = pathOf(tables, run);
+    const Path path = pathOf(network, run);
     Walk walk(transitions, path, condition);
     bool met = walk.holds();
     while (walk.step()) {
@@ -101,16 +103,16 @@ void forEachNetwork(unsigned int seed, int networks, Use&& use) {
 }
 
 /// Whether each automaton is in exactly one location of a state that no run has to come to.
-bool isSomewhereOnce(const Tables& tables, Steps steps, Says without) {
+bool isSomewhereOnce(const FlatNetwork& network, Steps steps, Says without) {
     Solver solver;
-    const Unrolling unrolling(tables, solver, {steps, false}, without);
+    const Unrolling unrolling(network, solver, {steps, false}, without);
     const auto possible = [&](std::initializer_list<int> literals) {
         for (const int literal : literals) solver.assume(literal);
         return solver.solve(-1) == Solver::Verdict::satisfiable;
     };
-    for (uint a = 0; a < tables.automata.size(); ++a) {
-        const uint begin = tables.locationsBegin(a);
-        const uint end = tables.automata[a].locationsEnd;
+    for (uint a = 0; a < network.automata.size(); ++a) {
+        const uint begin = network.locationsBegin(a);
+        const uint end = network.automata[a].locationsEnd;
         for (uint l = begin; l < end; ++l) solver.assume(-unrolling.location(0, l));
         if (possible({})) return false;
         for (uint l = begin + 1; l < end && steps != Steps::ordered; ++l) {
@@ -124,17 +126,17 @@ bool isSomewhereOnce(const Tables& tables, Steps steps, Says without) {
 std::string wrong(const Transitions& transitions, const Condition& condition, Steps steps,
                   Says without) {
     const Expected expected(transitions, condition);
-    const Tables tables(transitions.model);
-    if (!isSomewhereOnce(tables, steps, without)) return "nowhere or twice";
+    const FlatNetwork network(transitions.model);
+    if (!isSomewhereOnce(network, steps, without)) return "nowhere or twice";
     Solver solver;
-    Unrolling unrolling(tables, solver, {steps}, without);
+    Unrolling unrolling(network, solver, {steps}, without);
     ConditionLiterals literals(unrolling, solver);
     for (int k = 0; k < 6; ++k) {
         for (const bool busy : {false, true}) {
             if (busy) solver.assume(unrolling.busy(k));
             solver.assume(literals.literal(condition, k));
             const bool some = solver.solve(-1) == Solver::Verdict::satisfiable;
-            if (some && !meets(transitions, tables, unrolling.run(k), condition)) return "no path";
+            if (some && !meets(transitions, network, unrolling.run(k), condition)) return "no path";
             const auto least = expected.least(0, k);
             if (!busy && steps == Steps::serial && some != least.has_value()) return "serial";
             if (!busy && least && !some) return "missed";
@@ -162,7 +164,7 @@ TEST(Search, agreesWithTheStates) {
             const auto least = expected.least(range.from, range.to);
             if (finding.found) {
                 EXPECT_TRUE(
-                    meets(transitions, search.networkTables(), finding.path, finding.condition));
+                    meets(transitions, search.network(), finding.path, finding.condition));
                 EXPECT_GE(finding.length(), range.from);
             }
             if (least) {
@@ -197,7 +199,7 @@ TEST(Search, provesWhatIsNeverMet) {
             const bool ever = Expected(transitions, finding.condition).ever;
             EXPECT_EQ(finding.found, ever);
             EXPECT_EQ(finding.never, !ever);
-            EXPECT_TRUE(!ever || meets(transitions, search.networkTables(), finding.path,
+            EXPECT_TRUE(!ever || meets(transitions, search.network(), finding.path,
                                        finding.condition));
             ++seen.at(ever ? 0 : 1);
         }
@@ -226,3 +228,5 @@ TEST(Unrolling, missesEachKindOfClauses) {
         }
     }
 }
+
+} // namespace tervoxal

@@ -1,8 +1,10 @@
-#include "ectlform.h"
+#include "temporal/ectlform.h"
 
 #include "support.h"
 
 #include <set>
+
+namespace tervoxal {
 
 namespace {
 
@@ -68,3 +70,5 @@ TEST(EctlForm, deepTrees) {
 }
 
 } // namespace
+
+} // namespace tervoxal

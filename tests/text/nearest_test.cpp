@@ -1,6 +1,6 @@
 // Distances of random words against the whole table of the recurrence.
 
-#include "nearest.h"
+#include "text/nearest.h"
 
 #include <algorithm>
 #include <cctype>
@@ -8,6 +8,8 @@
 #include <random>
 #include <string>
 #include <vector>
+
+namespace tervoxal {
 
 namespace {
 
@@ -46,3 +48,5 @@ TEST(Nearest, distancesUpToABoundAreThoseOfTheWholeTable) {
             << a << ' ' << b << ' ' << most;
     }
 }
+
+} // namespace tervoxal

@@ -1,11 +1,13 @@
 // The circuit of the question whether a formula can be met, simulated beside the network.
 
-#include "reachability.h"
+#include "translation/reachability.h"
 
-#include "path.h"
+#include "replay/path.h"
 #include "plain.h"
 
 #include <utility>
+
+namespace tervoxal {
 
 namespace {
 
@@ -194,3 +196,5 @@ TEST(Reachability, circuitFollowsTheNetwork) {
     EXPECT_GT(std::min({reached[0], reached[1], steps}), 2000);
     EXPECT_GT(changes, 500U);
 }
+
+} // namespace tervoxal

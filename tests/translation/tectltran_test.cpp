@@ -1,7 +1,9 @@
-#include "tectltran.h"
+#include "translation/tectltran.h"
 
 #include "network.h"
 #include "store.h"
+
+namespace tervoxal {
 
 namespace {
 
@@ -40,3 +42,5 @@ TEST(Translation, ofListsAndTrees) {
 }
 
 } // namespace
+
+} // namespace tervoxal

@@ -1,0 +1,18 @@
+// The formula file of a command that answers what the formula asks. Such a command does not take in
+// silence what hardly anybody means.
+
+#pragma once
+
+#include "query/condition.h"
+#include "model/ntamodel.h"
+
+#include <string>
+
+namespace tervoxal {
+
+/// What the formula of name + ".in" asks of a state of the network, which is read. The warnings of
+/// checkFormula go to standard error, each in its line. A file that a run refuses and a formula
+/// with a temporal operator end the process with status 1 and one more line there.
+[[nodiscard]] Condition readAskedFormula(const NetTimedModel& model, const std::string& name);
+
+} // namespace tervoxal

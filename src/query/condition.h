@@ -1,0 +1,93 @@
+// What is asked of one state of a network: atoms and Boolean operators in postfix notation, each
+// operator behind its operands. All who ask about states ask in this form, whether the question
+// came as a formula file or as an expression.
+//
+//     falsity, truth              the constants
+//     prop p                      some automaton is in a location that carries proposition p
+//     at a l                      automaton a is in location l
+//     enabled x                   some step takes action x
+//     deadlock                    no step is possible
+//     negation                    of one operand
+//     conjunction, disjunction    of two operands
+//
+// The numbers are those of the network; nothing here knows whether it has them.
+//
+// Invariant: the tokens leave exactly one value.
+
+#pragma once
+
+#include "temporal/ectlform.h"
+
+#include <cassert>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tervoxal {
+
+struct Condition {
+    enum class Term {
+        falsity,
+        truth,
+        prop,
+        at,
+        enabled,
+        deadlock,
+        negation,
+        conjunction,
+        disjunction
+    };
+    struct Token {
+        Term term;
+        unsigned int number = 0;   // of the proposition, the automaton or the action
+        unsigned int location = 0; // of the automaton
+    };
+
+    std::vector<Token> tokens;
+};
+
+/// What a formula asks of a state. One with a temporal operator is false, and keeps what stands
+/// ahead of the first. Ends the process like refuseWithoutValue.
+[[nodiscard]] Condition conditionOf(const EctlForm& form);
+
+/// The same question as a formula in postfix notation, with the constants folded away: a formula
+/// negates propositions only and has no false, so that is p0p-0&. Linear in the condition.
+/// Precondition, asserted: the condition is about propositions alone, and negates nothing else.
+[[nodiscard]] std::string postfixOf(const Condition& condition);
+
+/// The value of a condition, in one pass. The algebra has constant(bool), atom(token) for the
+/// propositions, at, enabled and deadlock, negation(value), conjunction(value, value) and
+/// disjunction(value, value), which are called from left to right.
+template <class Algebra>
+[[nodiscard]] auto valueOf(const Condition& condition, Algebra&& algebra) {
+    using Term = Condition::Term;
+    using Value = decltype(algebra.constant(true));
+    std::vector<Value> values;
+    const auto pop = [&] {
+        Value value = std::move(values.back());
+        values.pop_back();
+        return value;
+    };
+    for (const Condition::Token& token : condition.tokens) {
+        switch (token.term) {
+        case Term::falsity:
+        case Term::truth: values.push_back(algebra.constant(token.term == Term::truth)); break;
+        case Term::prop:
+        case Term::at:
+        case Term::enabled:
+        case Term::deadlock: values.push_back(algebra.atom(token)); break;
+        case Term::negation: values.push_back(algebra.negation(pop())); break;
+        case Term::conjunction:
+        case Term::disjunction: {
+            const Value right = pop();
+            const Value left = pop();
+            values.push_back(token.term == Term::conjunction ? algebra.conjunction(left, right)
+                                                             : algebra.disjunction(left, right));
+        }
+        }
+    }
+    assert(values.size() == 1);
+    return pop();
+}
+
+} // namespace tervoxal

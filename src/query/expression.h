@@ -1,0 +1,66 @@
+// Questions about one state as people write them, with names and operators between their operands.
+//
+//     !a             not
+//     a & b          and
+//     a | b          or
+//     a -> b         implies: the weakest, groups to the right
+//     (a)            brackets
+//     true  false    the constants
+//     p12            the proposition 12
+//     name           the proposition of that name
+//     "a name"       likewise, whatever the name holds; \" and \\ stand for " and \ in it
+//     deadlock       no action is possible
+//     enabled(x)     action x is possible
+//     at(a, l)       automaton a is in location l
+//
+// x, a and l are numbers or names. Blanks separate and mean nothing. A bare name ends ahead of a
+// blank, of one of ! & | ( ) " and of "->", between the brackets of an atom ahead of a comma as
+// well; all other bytes may stand in it. `p` with digits behind it is always a number, and so are
+// digits between the brackets of an atom; `true`, `false` and `deadlock` are always these words. In
+// double quotes they are names. `enabled` and `at` are names unless a bracket follows.
+
+#pragma once
+
+#include "query/condition.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tervoxal {
+
+/// What there is in a network, and what it is called.
+struct Vocabulary {
+    /// The numbers of the things of a name, ascending.
+    using Named = std::map<std::string, std::vector<unsigned int>>;
+    struct Things {
+        Named named;
+        std::set<unsigned int> numbers; // of all, also of those without a name
+    };
+
+    Named props;
+    Things actions;
+    Things automata;
+    std::map<unsigned int, Things> locations; // of each automaton
+};
+
+/// What an expression says.
+struct Expression {
+    /// Negates atoms only.
+    Condition condition;
+    /// Why no formula file can say it, empty if one can.
+    std::string beyondFormula;
+    /// What can hardly be meant, each one line.
+    std::vector<std::string> warnings;
+};
+
+/// Parses an expression, in one pass there and back: time, memory and result are linear in its
+/// length, however deep it nests. An expression that is malformed, an unknown name, an action, an
+/// automaton or a location that is not there, and a name of two things end the process with status
+/// 1 and one line on standard error that tells the column, counted in bytes from 1. `where` stands
+/// ahead of that, for expressions that stand in a file.
+[[nodiscard]] Expression expressionOf(const std::string& text, const Vocabulary& vocabulary,
+                                      const std::string& where = {});
+
+} // namespace tervoxal

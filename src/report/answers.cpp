@@ -1,0 +1,126 @@
+#include "report/answers.h"
+
+#include "text/fatal.h"
+#include "report/jsonreport.h"
+#include "system/outputfile.h"
+#include "replay/walk.h"
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+namespace tervoxal {
+
+namespace {
+
+/// Names of files, each once.
+class FileNames {
+public:
+    std::string next(const std::string& question, std::size_t number) {
+        constexpr std::size_t longest = 200;
+        std::string name = question.substr(0, longest);
+        std::replace_if(
+            name.begin(), name.end(),
+            [](char c) { return c == '/' || static_cast<unsigned char>(c) < ' ' || c == '\x7f'; },
+            '_');
+        if (name.front() == '.') name.front() = '_';
+        while (!taken.insert(name).second) name += '_' + std::to_string(number);
+        return name;
+    }
+
+private:
+    std::set<std::string> taken;
+};
+
+std::string_view word(Outcome::Kind kind) {
+    switch (kind) {
+    case Outcome::Kind::path: return "path";
+    case Outcome::Kind::never: return "never";
+    case Outcome::Kind::none: return "none";
+    case Outcome::Kind::open: break;
+    }
+    return "open";
+}
+
+} // namespace
+
+Answers::Answers(const NetTimedModel& model, const Asked& asked, const Names& names)
+    : asked(asked), names(names), transitions(model), all(asked.questions.size()) {}
+
+Outcome Answers::outcome(std::size_t question) const {
+    return outcomeOf(all[question], asked.lengths);
+}
+
+std::string Answers::line(std::size_t question) const {
+    return asked.questions[question].name + ": " + outcome(question).brief();
+}
+
+int Answers::status() const {
+    bool open = false;
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        const Outcome::Kind kind = outcome(q).kind;
+        if (kind == Outcome::Kind::path) return 10;
+        open = open || kind == Outcome::Kind::open;
+    }
+    return open ? 0 : 20;
+}
+
+/// Calls use with a walk along the path, where the verdict is one.
+template <class Use>
+void Answers::withPath(std::size_t question, Use&& use) const {
+    if (outcome(question).kind != Outcome::Kind::path) return;
+    const Walk walk(transitions, *all[question].path, asked.questions[question].condition);
+    replay(walk, names);
+    use(walk);
+}
+
+void Answers::showTable(std::ostream& out) const {
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) out << line(q) << '\n';
+}
+
+void Answers::showJson(std::ostream& out) const {
+    out << "{\"network\":" << jsonString(asked.network) << ",\n";
+    showJsonNetwork(out, transitions.model, names);
+    out << ",\n\"questions\":[";
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        const Question& question = asked.questions[q];
+        const Outcome answer = outcome(q);
+        out << (q == 0 ? "" : ",") << "\n{\"name\":" << jsonString(question.name)
+            << R"(,"expression":)" << jsonString(question.text) << R"(,"answer":")"
+            << word(answer.kind) << R"(","verdict":)" << jsonString(answer.brief());
+        withPath(q, [&](const Walk& walk) {
+            out << ",\"k\":" << walk.length() << ',';
+            showJsonPositions(out, walk);
+        });
+        out << '}';
+    }
+    out << "]}\n";
+}
+
+void Answers::showPath(std::ostream& out, std::size_t question, Show show) const {
+    withPath(question, [&](const Walk& walk) {
+        show(out, {walk, names, asked.network, asked.questions[question].text, asked.all});
+    });
+}
+
+void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
+    FileNames fileNames;
+    for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        std::string file = directory;
+        file += '/';
+        file += fileNames.next(asked.questions[q].name, q + 1);
+        file += '.';
+        file += suffix;
+        OutputFile out(file); // which removes that of an earlier call
+        withPath(q, [&](const Walk& walk) {
+            std::ostringstream text;
+            show(text, {walk, names, asked.network, asked.questions[q].text, asked.all});
+            out.write(text.view());
+            if (!out.close()) error("cannot write " + file);
+        });
+    }
+}
+
+} // namespace tervoxal

@@ -1,0 +1,47 @@
+// What was found out about a question, in words.
+
+#pragma once
+
+#include "certificate/certificate.h"
+#include "replay/path.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tervoxal {
+
+/// What is known of a question, by whom ever it was found out.
+struct Known {
+    int refuted = -1;           // no path of up to that many steps meets it
+    std::optional<Path> path{}; // that meets it
+    bool unreachable = false;   // no path of any length meets it
+    std::shared_ptr<const Certificate> certificate{}; // if unreachable
+    bool settled = false; // nothing is left to find out that was asked for
+};
+
+/// What was asked of each question: paths of 0 to `to` steps.
+struct Lengths {
+    int to = 0;
+    bool any = false; // any path will do, not only the shortest
+};
+
+struct Outcome {
+    enum class Kind { path, never, none, open };
+
+    Kind kind;
+    std::string detail; // what follows the word for the kind
+
+    /// For a table: "path of 4 steps", "never: ...", "none of 0 to 20 steps".
+    [[nodiscard]] std::string brief() const;
+    /// Alone: "a path of 4 steps", "never, at any length: ...", "no path of 0 to 20 steps".
+    [[nodiscard]] std::string full() const;
+};
+
+/// Final where the question is settled.
+[[nodiscard]] Outcome outcomeOf(const Known& known, const Lengths& lengths);
+
+/// " of 0 to 17 steps".
+[[nodiscard]] std::string ofLengths(int to);
+
+} // namespace tervoxal

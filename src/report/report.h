@@ -1,0 +1,40 @@
+// A path as people and programs read it: as text, as JSON, as a waveform, as a picture. Each report
+// starts at position 0, writes as it goes and stops early if the stream fails. None of them judges
+// the path: replay has to come first. All are UTF-8, whatever bytes the names have.
+
+#pragma once
+
+#include "model/names.h"
+#include "replay/walk.h"
+
+#include <ostream>
+#include <string>
+
+namespace tervoxal {
+
+/// What is shown of a path.
+struct Report {
+    const Walk& start; // at position 0
+    const Names& names;
+    std::string network; // what the command was called with, for the headings
+    std::string formula;
+    bool all = false; // draw also what neither the path nor the formula touches
+};
+
+/// Writes a report of one format.
+using Show = void (*)(std::ostream& out, const Report& report);
+
+/// One block for each step, with the states before the first and after the last.
+void showText(std::ostream& out, const Report& report);
+/// One JSON object (RFC 8259), a line for each automaton and each position.
+void showJson(std::ostream& out, const Report& report);
+/// A value change dump (IEEE 1364) with strings as GTKWave has them. Time is the position.
+void showVcd(std::ostream& out, const Report& report);
+/// The network as a picture with the path on it, in DOT. Automata that take part in no step and
+/// that the condition does not speak of are left out, and counted, unless all are asked for.
+void showDot(std::ostream& out, const Report& report);
+
+/// The writer of the format of that name: text, json, vcd or dot. Null for another name.
+[[nodiscard]] Show showOf(const std::string& format);
+
+} // namespace tervoxal

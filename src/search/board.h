@@ -1,0 +1,91 @@
+// The board of a search: some conditions, the questions whether a reachable state meets each, and
+// what is known of them so far. Engines read it and write on it; it alone changes what it holds,
+// and it believes nothing that it can check: a run is cut to what meets the condition, and a
+// certificate is checked.
+//
+// Questions are numbered from 0, in the order of the conditions. What is known of one only grows:
+// the length up to which paths are refuted, a shorter path, that there is none of any length.
+
+#pragma once
+
+#include "certificate/certificate.h"
+#include "model/flatnetwork.h"
+#include "query/condition.h"
+#include "search/firing.h"
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tervoxal {
+
+class Board {
+public:
+    /// What is known of one question.
+    struct Entry {
+        Condition condition;
+        int refuted = -1; // no path of up to that many steps meets it
+        bool found = false;
+        Run path{};               // if found
+        bool unreachable = false; // no path of any length meets it
+        std::shared_ptr<const Certificate> certificate{}; // if unreachable
+
+        [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
+        /// No shorter path meets it.
+        [[nodiscard]] bool least() const { return found && refuted + 1 >= length(); }
+    };
+    /// What is asked of each: paths of 0 to `to` steps.
+    struct Range {
+        int to = 0;
+        bool any = false; // any path will do, not only the shortest
+    };
+    /// Whom the board tells what is new, by the index of the question. Each may be empty.
+    struct Listener {
+        std::function<void(std::span<const std::size_t>)> refuted; // a longer length of some of them
+        std::function<void(std::size_t)> found;                    // a path, or a shorter one
+        std::function<void(std::size_t)> unreachable;
+        /// Asked often: whether to end before the answer. It may only look.
+        std::function<bool()> stop;
+        /// Whether to go on for a proof where all lengths are refuted that are asked for. What it
+        /// denied once it denies for good.
+        std::function<bool()> proving;
+    };
+
+    /// The network must outlive the board.
+    Board(const FlatNetwork& network, std::vector<Condition> conditions, Range range);
+
+    [[nodiscard]] std::size_t size() const { return entries.size(); }
+    [[nodiscard]] const Entry& operator[](std::size_t question) const { return entries[question]; }
+    /// Whether nothing is left to find out about a question that was asked for.
+    [[nodiscard]] bool settled(std::size_t question) const;
+    /// The greatest length at which a path is to be looked for: shorter than the one that is known.
+    [[nodiscard]] int limit(std::size_t question) const;
+    [[nodiscard]] bool stopped() const { return listener != nullptr && listener->stop && listener->stop(); }
+    [[nodiscard]] bool proving() const {
+        return listener != nullptr && listener->proving && listener->proving();
+    }
+
+    /// No path of up to `depth` steps meets any of the questions.
+    void refute(std::span<const std::size_t> questions, int depth);
+    /// A run that meets the question somewhere. It counts if what is left of it is shorter than
+    /// what is known. Precondition: it is a run of the network.
+    void offer(std::size_t question, Run run);
+    /// No path of any length meets the questions, if the certificate holds: gives what fails, or an
+    /// empty text.
+    std::string exclude(std::span<const std::size_t> questions, const Certificate& certificate);
+
+    /// Who is told from now on; null for nobody.
+    void tell(const Listener* whom) { listener = whom; }
+
+    const FlatNetwork& network;
+    const Range range;
+
+private:
+    std::vector<Entry> entries;
+    const Listener* listener = nullptr;
+};
+
+} // namespace tervoxal

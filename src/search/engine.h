@@ -1,0 +1,38 @@
+// An engine of the search: a method that works on the questions of a board, a turn at a time. Who
+// runs several of them needs to know nothing else of them.
+
+#pragma once
+
+#include "search/board.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace tervoxal {
+
+/// Questions of a board, by ascending index.
+using Questions = std::vector<std::size_t>;
+
+class Engine {
+public:
+    Engine() = default;
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    virtual ~Engine() = default;
+
+    /// What it has cost so far. The unit is the time that it takes to give a solver one literal of
+    /// a clause, about 0.2 us; it is counted, not measured, so that the same input gives the same
+    /// turns.
+    [[nodiscard]] virtual std::int64_t cost() const = 0;
+    /// The questions that it can work on as the board stands. If there is none, there will never be
+    /// one again.
+    [[nodiscard]] virtual Questions open(const Board& board) const = 0;
+    /// Works on these for a while, the shorter the less it has cost so far, and tells the board
+    /// what comes out. `alone`: nobody else can work on them, so it need not give up early. Comes
+    /// back soon when the board is stopped, and goes on in the next turn to the same answers.
+    /// Precondition: open(board) gives them, and it is not empty.
+    virtual void turn(Board& board, const Questions& open, bool alone) = 0;
+};
+
+} // namespace tervoxal

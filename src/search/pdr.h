@@ -1,0 +1,107 @@
+// Property directed reachability, also known as IC3: what is not reached within so many steps,
+// learned a lemma at a time until that tells whether questions can be met (Bradley, SAT-Based Model
+// Checking without Unrolling, 2011; Een, Mishchenko and Brayton, Efficient Implementation of
+// Property Directed Reachability, 2011).
+//
+// Frame F[i] holds in all states that a run of up to i steps can come to. It is a conjunction of
+// lemmas, and each lemma is of the frames before as well; F[0] is the initial state. From each
+// state of a frame every step leads to a state of the next. So
+//
+//  - a question that is met in no state of F[i] is met by no path of up to i steps;
+//  - if two frames in a row are the same, their lemmas are an inductive invariant: they hold in all
+//    states that are ever reached.
+//
+// While a question is met in some state of the last frame, that state is an obligation: it and its
+// predecessors are blocked, one action at a time. Either a predecessor is the initial state, which
+// gives a path, or a cube has no predecessor in the frame before, which gives a lemma: it is
+// generalized to exclude as many more states as it can.
+//
+// Cubes and lemmas are of locations: a cube says that some automata are in them, a lemma that some
+// automaton is in one of them. What the level of a location tells (see flatnetwork.h) holds in the
+// frames from the start.
+
+#pragma once
+
+#include "search/conditionliterals.h"
+#include "search/engine.h"
+#include "search/solver.h"
+#include "search/unrolling.h"
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tervoxal {
+
+class PropertyDirectedReachability : public Engine {
+public:
+    /// F[0] of the board's network. The board must outlive it.
+    explicit PropertyDirectedReachability(const Board& board);
+
+    [[nodiscard]] std::int64_t cost() const override { return spent; }
+    /// Questions without a path; where a proof is asked for, also those whose lengths are refuted.
+    [[nodiscard]] Questions open(const Board& board) const override;
+    void turn(Board& board, const Questions& open, bool alone) override;
+
+    /// How often the solver was made anew, without the lemmas that others imply.
+    [[nodiscard]] int rebuilt() const { return made - 1; }
+
+private:
+    /// Indices of the network, ascending.
+    using Locations = std::vector<uint>;
+
+    /// States from which an action leads to those of another obligation. Those of the first one
+    /// meet the question.
+    struct Obligation {
+        Locations cube;
+        Firing firing;
+        std::size_t next;
+    };
+
+    void makeSolver();
+    void addFrame(std::size_t frame);
+    void addLemma(const Locations& lemma, std::size_t frame);
+    [[nodiscard]] Solver::Verdict solve();
+
+    [[nodiscard]] bool isInitial(uint l) const { return network.locations[l].number == 0; }
+    [[nodiscard]] bool holdsInitially(const Locations& lemma) const;
+    [[nodiscard]] bool hasInitial(const Locations& cube) const;
+    [[nodiscard]] bool blocked(std::size_t frame, const Locations& cube);
+    [[nodiscard]] Solver::Verdict predecessor(std::size_t frame, const Locations& cube);
+    [[nodiscard]] bool inductive(const Locations& lemma, std::size_t frame);
+
+    [[nodiscard]] bool begin(Board& board, const Questions& asked);
+    [[nodiscard]] Locations cubeOf(const Condition& condition, int goal);
+    [[nodiscard]] bool block();
+    [[nodiscard]] Locations preimage(const Firing& firing, const Locations& cube) const;
+    [[nodiscard]] Locations generalize(const Locations& cube, std::size_t frame);
+    void shrinkToCore(Locations& lemma) const;
+    void keep(Locations lemma, std::size_t frame);
+    [[nodiscard]] bool propagate();
+    [[nodiscard]] Run path() const;
+    [[nodiscard]] Certificate invariant() const;
+
+    /// In the state that a step leaves, and in the one that it comes to.
+    [[nodiscard]] int here(uint l) const { return unrolling->location(0, l); }
+    [[nodiscard]] int there(uint l) const { return unrolling->location(1, l); }
+
+    const Board& board;
+    const FlatNetwork& network;
+    std::unique_ptr<Solver> solver;
+    std::unique_ptr<Unrolling> unrolling; // a step from any state
+    std::unique_ptr<ConditionLiterals> literals;
+    int made = 0;                               // solvers
+    std::vector<int> active;                    // of each frame, the literal under which it holds
+    std::vector<std::vector<Locations>> lemmas; // of each frame, those that the next one lacks
+    std::size_t given = 0;                      // lemmas, to the solver at hand
+    std::int64_t givenLiterals = 0;             // of them
+    std::vector<Obligation> obligations;
+    std::map<std::size_t, std::vector<std::size_t>> queue; // obligations by the frame they are in
+    std::size_t question = 0;                              // whose obligations they are
+    std::int64_t spent = 0;
+    std::int64_t queries = 0;
+};
+
+} // namespace tervoxal
