@@ -259,7 +259,7 @@ std::string towers(const Params& params, NetworkWriter& net) {
 }
 
 // Trains on a line of track with a siding in its middle. A piece of track, an automaton, is free or
-// taken, and a move is one of a train and of two pieces. They start in a row behind the left end,
+// taken, and a move is one of a train and of two pieces. They start in a row after the left end,
 // and end in the opposite order: long ways, and back, on which most can move at once.
 std::string shunting(const Params& params, NetworkWriter& net) {
     const long trains = params[0];

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # bash completion of tervoxal and its companions: options as --help tells them, networks and formulas
-# by their names without ".in", behind --ask= the propositions of a network that is already there.
+# by their names without ".in", after --ask= the propositions of a network that is already there.
 
 _tervoxal() {
     local command=$1 word=$2 option=$3

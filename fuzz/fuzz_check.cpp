@@ -2,9 +2,9 @@
 
 #include "fuzz.h"
 
-#include "query/formulacheck.h"
 #include "lint/networkcheck.h"
 #include "model/ntamodel.h"
+#include "query/formulacheck.h"
 
 #include <cassert>
 #include <iostream>

@@ -1,7 +1,7 @@
 #include "fuzz.h"
 
-#include "temporal/ectlform.h"
 #include "query/expression.h"
+#include "temporal/ectlform.h"
 
 #include <cstdlib>
 

@@ -1,8 +1,8 @@
 #include "fuzz.h"
 
-#include "imported.h"
 #include "import/petrinet.h"
 #include "import/pnml.h"
+#include "imported.h"
 
 using namespace tervoxal;
 

@@ -39,7 +39,7 @@ for_companions=("${for_import[@]}" '/usr/include/cadical.hpp=libcadical-dev')
 for_tests=("${for_companions[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
 install_toolchain() { install "${toolchain[@]}"; }
 
-# The model checker ABC, which is the package berkeley-abc up to bookworm and yosys-abc behind it,
+# The model checker ABC, which is the package berkeley-abc up to bookworm and yosys-abc after it,
 # each with the command of its name. Where there is neither, the tests do not ask it.
 install_model_checker() {
     local name

@@ -59,7 +59,7 @@ inline std::string randomNetwork(Random& random, std::size_t automata) {
 /// A formula about common propositions and one state.
 inline std::string randomFormula(Random& random, const State& state) {
     std::string text;
-    std::string end; // operators that come behind all operands
+    std::string end; // operators that come after all operands
     for (auto operands = 1 + random() % 6; operands > 0; --operands) {
         const char* const op = text.empty() ? "" : random() % 3 == 0 ? "+" : "&";
         if (random() % 3 == 0) {

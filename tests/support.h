@@ -58,7 +58,7 @@ std::string printed(const Print& print) {
 }
 
 /// Checks a table of tests/data: the answer to what stands before the first tab of a line is what
-/// stands behind it. A bar stands for a newline.
+/// stands after it. A bar stands for a newline.
 template <class SolverAnswer>
 void checkTable(const std::string& name, const SolverAnswer& answer) {
     std::ifstream in(TEST_DATA "/" + name);
@@ -72,7 +72,7 @@ void checkTable(const std::string& name, const SolverAnswer& answer) {
     EXPECT_GT(rows, 5) << name;
 }
 
-/// 400000 operators, nested to the left and, behind that, to the right.
+/// 400000 operators, nested to the left and, after that, to the right.
 inline std::string deepFormula() {
     std::string text = "p1";
     for (int i = 0; i < 100000; ++i) text += "p4+p3&";

@@ -2,10 +2,10 @@
 // checkers.
 
 #include "boolean/aiger.h"
-#include "system/command.h"
-#include "system/filenames.h"
 #include "model/names.h"
 #include "query/question.h"
+#include "system/command.h"
+#include "system/filenames.h"
 #include "translation/reachability.h"
 
 #include <iostream>

@@ -1,9 +1,9 @@
 // The command tervoxal-check: what a run would refuse, and what hardly can be meant.
 
+#include "lint/networkcheck.h"
+#include "query/formulacheck.h"
 #include "system/command.h"
 #include "system/filenames.h"
-#include "query/formulacheck.h"
-#include "lint/networkcheck.h"
 
 #include <iostream>
 #include <string>

@@ -1,9 +1,9 @@
 // The command tervoxal-draw: a network as a picture.
 
-#include "system/command.h"
-#include "system/filenames.h"
 #include "model/names.h"
 #include "report/picture.h"
+#include "system/command.h"
+#include "system/filenames.h"
 
 #include <iostream>
 #include <string>

@@ -1,13 +1,13 @@
 // The command tervoxal-formula: an expression with names as a formula line.
 
-#include "system/command.h"
+#include "model/names.h"
 #include "query/expression.h"
-#include "text/fatal.h"
+#include "query/vocabulary.h"
+#include "system/command.h"
 #include "system/filenames.h"
 #include "system/filetext.h"
+#include "text/fatal.h"
 #include "text/lines.h"
-#include "model/names.h"
-#include "query/vocabulary.h"
 
 #include <iostream>
 #include <string>

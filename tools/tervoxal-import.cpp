@@ -1,11 +1,11 @@
 // The command tervoxal-import: Petri nets and labelled transition systems as networks.
 
 #include "import/aut.h"
-#include "system/command.h"
-#include "text/fatal.h"
 #include "import/message.h"
 #include "import/petrinet.h"
 #include "import/pnml.h"
+#include "system/command.h"
+#include "text/fatal.h"
 
 #include <algorithm>
 #include <iostream>

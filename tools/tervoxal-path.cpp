@@ -1,22 +1,22 @@
 // The command tervoxal-path: from what a solver wrote about a run's clauses to a path that is
 // replayed on the network.
 
-#include "text/amounts.h"
-#include "programs/solveranswer.h"
 #include "model/choices.h"
-#include "system/command.h"
-#include "text/fatal.h"
-#include "system/filenames.h"
-#include "text/lines.h"
 #include "model/names.h"
-#include "replay/path.h"
-#include "system/pathlength.h"
+#include "programs/solveranswer.h"
+#include "programs/witness.h"
 #include "query/question.h"
-#include "report/report.h"
+#include "replay/path.h"
 #include "replay/sidefile.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
-#include "programs/witness.h"
+#include "report/report.h"
+#include "system/command.h"
+#include "system/filenames.h"
+#include "system/pathlength.h"
+#include "text/amounts.h"
+#include "text/fatal.h"
+#include "text/lines.h"
 
 #include <fstream>
 #include <iostream>
@@ -92,7 +92,8 @@ Found solverPath(const CommandLine& line, const NetTimedModel& model) {
     const int k = pathLength(pathLen);
     if (k <= 0) error("Length of path should be > 0");
     const int maxVar = readSideFile(model, k, runName(inputName(line.operands[0]), pathLen));
-    const SolverAnswer answer = answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
+    const SolverAnswer answer =
+        answerIn(line.operands.size() < 4 ? "-" : line.operands[3], readAnswer);
     if (answer.verdict != SolverAnswer::Verdict::satisfiable) {
         return {{}, withoutPath(answer.verdict, "solver", steps(k))};
     }

@@ -1,20 +1,20 @@
 // The command tervoxal-solve: the shortest path of a network to a state that is asked for.
 
-#include "report/answers.h"
 #include "certificate/certificate.h"
-#include "system/command.h"
-#include "text/fatal.h"
-#include "system/filenames.h"
 #include "model/names.h"
-#include "system/outputfile.h"
-#include "system/pathlength.h"
-#include "report/progress.h"
 #include "modelchecker/prover.h"
 #include "query/question.h"
-#include "text/readable.h"
+#include "report/answers.h"
+#include "report/progress.h"
 #include "report/report.h"
 #include "search/board.h"
 #include "search/portfolio.h"
+#include "system/command.h"
+#include "system/filenames.h"
+#include "system/outputfile.h"
+#include "system/pathlength.h"
+#include "text/fatal.h"
+#include "text/readable.h"
 
 #include <algorithm>
 #include <array>
@@ -184,14 +184,15 @@ int main(int argc, char* argv[]) {
     Progress progress(call.asked, call.many ? &table : nullptr);
     std::optional<Prover> prover;
     if (call.prove) {
-        prover.emplace(board, names,
-                       Prover::Setting{call.proveSeconds,
-                                       [&](std::size_t question, const std::string& why) {
-                                           progress.end();
-                                           std::cerr << "proof: "
-                                                     << (call.many ? call.asked.questions[question].name + ": " : "")
-                                                     << why << '\n';
-                                       }});
+        prover.emplace(
+            board, names,
+            Prover::Setting{call.proveSeconds, [&](std::size_t question, const std::string& why) {
+                                progress.end();
+                                std::cerr
+                                    << "proof: "
+                                    << (call.many ? call.asked.questions[question].name + ": " : "")
+                                    << why << '\n';
+                            }});
     }
     const auto late = [&] {
         return call.seconds > 0 && Clock::now() >= begin + std::chrono::seconds(call.seconds);

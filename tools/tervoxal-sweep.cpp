@@ -1,13 +1,13 @@
 // The command tervoxal-sweep: the least path length with a path, and that path.
 
 #include "programs/children.h"
-#include "system/command.h"
 #include "programs/directories.h"
-#include "text/fatal.h"
+#include "sweep/sweep.h"
+#include "system/command.h"
 #include "system/filenames.h"
 #include "system/filetext.h"
 #include "system/pathlength.h"
-#include "sweep/sweep.h"
+#include "text/fatal.h"
 
 #include <array>
 #include <cerrno>

@@ -3,7 +3,7 @@
 //
 // The variables of the store that stand in a circuit are its inputs and the states of its latches.
 // The writer renumbers: with I inputs and L latches, input i (from 0) is variable 1 + i of the
-// file, latch i is variable 1 + I + i, and the gates follow, the operands of each ahead of it. A
+// file, latch i is variable 1 + I + i, and the gates follow, the operands of each before it. A
 // conjunction is one gate, an equivalence three. Only what outputs and latches reach is written.
 // A literal of the file is twice its variable, plus 1 for a negation; 0 is false and 1 true.
 

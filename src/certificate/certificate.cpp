@@ -1,7 +1,7 @@
 #include "certificate/certificate.h"
 
-#include "text/escapes.h"
 #include "query/vocabulary.h"
+#include "text/escapes.h"
 
 #include <utility>
 

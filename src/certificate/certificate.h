@@ -21,8 +21,8 @@
 namespace tervoxal {
 
 struct Certificate {
-    /// Some locations of an automaton, by ascending number. Those that the network do without may be
-    /// among them or not.
+    /// Some locations of an automaton, by ascending number. Those that the network do without may
+    /// be among them or not.
     struct Places {
         uint automaton;
         std::vector<uint> locations;

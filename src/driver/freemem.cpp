@@ -22,7 +22,7 @@ std::vector<std::string> nonEmptyLines(std::istream& in) {
     return lines;
 }
 
-/// The low 32 bits of the third number behind the first word.
+/// The low 32 bits of the third number after the first word.
 std::optional<unsigned int> freeColumn(const std::string& line) {
     std::istringstream fields(line);
     std::string head;

@@ -1,7 +1,7 @@
 // The command tervoxal: one run from a network, a formula and a path length to the output files.
 
-#include "system/filenames.h"
 #include "driver/freemem.h"
+#include "system/filenames.h"
 #include "system/pathlength.h"
 #include "translation/tectltran.h"
 

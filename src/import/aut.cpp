@@ -1,10 +1,10 @@
 #include "import/aut.h"
 
+#include "import/message.h"
+#include "model/networkwriter.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
 #include "text/lines.h"
-#include "import/message.h"
-#include "model/networkwriter.h"
 #include "text/scanner.h"
 
 #include <cstddef>
@@ -30,7 +30,7 @@ std::optional<unsigned long> numberIn(std::string_view text) {
 }
 
 /// The three fields between the brackets of a line: the first ends at the first comma, the last
-/// begins behind the last one.
+/// begins after the last one.
 struct Fields {
     std::string_view first;
     std::string_view middle;
@@ -104,9 +104,9 @@ public:
             }
         }
         refuseUnread(in, *file);
-        if (!header) refuse("end of file ahead of the header");
+        if (!header) refuse("end of file before the header");
         if (system.transitions.size() < transitions) {
-            refuse("end of file behind " + std::to_string(system.transitions.size()) + " of " +
+            refuse("end of file after " + std::to_string(system.transitions.size()) + " of " +
                    std::to_string(transitions) + " transitions");
         }
         return system;

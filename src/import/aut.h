@@ -4,8 +4,8 @@
 //     (FROM, LABEL, TO)                      one line for each transition
 //
 // White space is free, and lines of white space are skipped. States are 0 to STATES - 1. A label
-// stands bare or in double quotes, behind the first comma and ahead of the last. Inside quotes a
-// backslash may stand ahead of a quote or a backslash, and means it.
+// stands bare or in double quotes, after the first comma and before the last. Inside quotes a
+// backslash may stand before a quote or a backslash, and means it.
 //
 // Each system becomes an automaton, in the order given. Location s is state s, but for the initial
 // state, which changes places with state 0. Equal labels are one action, of all systems that have
@@ -43,7 +43,7 @@ struct LabelledSystems {
 
 /// Reads the files. Ends the process with status 1 and one line on standard error, with file and
 /// line, at the first that is missing or malformed. A system has its file's name without directory
-/// and suffix as its title; of equal ones, those behind the first get "_2", "_3" and so on.
+/// and suffix as its title; of equal ones, those after the first get "_2", "_3" and so on.
 [[nodiscard]] LabelledSystems readAut(const std::vector<std::string>& files);
 
 /// Writes the network. State s of a system is named by the system's title, a dot and s.

@@ -1,7 +1,7 @@
 #include "import/netdraft.h"
 
-#include "text/fatal.h"
 #include "import/message.h"
+#include "text/fatal.h"
 #include "text/scanner.h"
 
 #include <algorithm>

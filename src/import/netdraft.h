@@ -1,6 +1,6 @@
-// A net as its file tells it, with nodes that are known by their ids. A node may be mentioned ahead
-// of its declaration, stand for another one, or never be declared. Nodes are numbered from 0 in the
-// order in which the file mentions them first. Lines are those of the file, for messages.
+// A net as its file tells it, with nodes that are known by their ids. A node may be mentioned
+// before its declaration, stand for another one, or never be declared. Nodes are numbered from 0 in
+// the order in which the file mentions them first. Lines are those of the file, for messages.
 
 #pragma once
 

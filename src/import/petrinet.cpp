@@ -32,7 +32,7 @@ uint swapped(const PetriNet::Place& place, uint n) {
 }
 
 void layOutLocations(const PetriNet& net, NetAutomata& automata) {
-    // One location of each unit is 0 and known ahead. The others are counted from 1.
+    // One location of each unit is 0 and known before. The others are counted from 1.
     std::vector<uint>& none = automata.noneOf;
     none.assign(net.units.size(), 0);
     for (const PetriNet::Place& place : net.places) {

@@ -8,7 +8,7 @@
 //
 // A net without a bound is meant to be safe. A unit becomes an automaton with a location for each
 // of its places and one, "none", for the case that none is marked. Location 0 is what holds in the
-// initial marking. Behind it stand the other places in the order of the file, and then none, unless
+// initial marking. After it stand the other places in the order of the file, and then none, unless
 // it is location 0. Transition t is action t in each unit that it touches, with one move there:
 //
 //     takes from p, puts on q     p to q; a place that it takes from and puts on stays
@@ -23,7 +23,7 @@
 // the initial number, which changes places with 0. A transition that takes w and puts v is a move
 // from n to n - w + v for each n for which both are in 0 to N, so one that would put more is not
 // possible. Locations of a token and more carry the place's proposition, and those of j tokens and
-// more "PLACE>=j", for j from 1 to N. These are numbered behind all places, place by place.
+// more "PLACE>=j", for j from 1 to N. These are numbered after all places, place by place.
 
 #pragma once
 

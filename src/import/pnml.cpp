@@ -1,9 +1,9 @@
 #include "import/pnml.h"
 
-#include "text/fatal.h"
-#include "text/lines.h"
 #include "import/message.h"
 #include "import/netdraft.h"
+#include "text/fatal.h"
+#include "text/lines.h"
 #include "text/scanner.h"
 
 #include <algorithm>
@@ -111,7 +111,7 @@ Element elementOf(Element parent, std::string_view name) {
 }
 
 std::string_view localName(std::string_view name) {
-    return name.substr(name.rfind(':') + 1); // behind npos comes 0
+    return name.substr(name.rfind(':') + 1); // after npos comes 0
 }
 
 std::string lower(std::string text) {

@@ -9,7 +9,7 @@
 //     name/text, initialMarking/text, inscription/text
 //     toolspecific[tool=nupn]/structure/unit     nested units, where the structure is marked safe
 //
-// All others are skipped with all that they hold. An arc may stand ahead of its nodes.
+// All others are skipped with all that they hold. An arc may stand before its nodes.
 
 #pragma once
 

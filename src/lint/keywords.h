@@ -13,8 +13,8 @@ struct KeywordLine {
     std::string_view keyword;
     /// What is wrong with the word; empty if it is the keyword in the first column.
     std::string slip;
-    /// What stands behind the word, with the blanks around it.
-    std::string_view behind;
+    /// What stands after the word, with the blanks around it.
+    std::string_view after;
 };
 
 /// Looks for a keyword that is indented, in capitals, misspelt or cut. `end` has to stand alone to

@@ -1,12 +1,12 @@
 #include "lint/networkcheck.h"
 
-#include "text/carriagereturns.h"
-#include "system/filetext.h"
 #include "lint/keywords.h"
 #include "model/networkgrammar.h"
 #include "model/ntamodel.h"
-#include "text/readable.h"
 #include "model/section.h"
+#include "system/filetext.h"
+#include "text/carriagereturns.h"
+#include "text/readable.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -30,19 +30,19 @@ bool beginsWithDigit(std::string_view text) {
 /// Whether a line that begins like a declaration or an `end` is one from there to its end. Words
 /// that begin like keywords are common in titles; lines that are complete are not.
 bool complete(const KeywordLine& line) {
-    const std::string_view behind = trimmed(line.behind);
-    if (line.keyword == "end" || line.keyword == "valuation") return behind.empty();
-    return !line.keyword.empty() && beginsWithDigit(behind);
+    const std::string_view after = trimmed(line.after);
+    if (line.keyword == "end" || line.keyword == "valuation") return after.empty();
+    return !line.keyword.empty() && beginsWithDigit(after);
 }
 
-/// Takes what the parser finds in a file, and goes on at the next automaton behind a fault.
+/// Takes what the parser finds in a file, and goes on at the next automaton after a fault.
 class NetworkChecker {
 public:
     NetworkChecker(Lines& lines, Diagnostics& findings) : lines(lines), findings(findings) {}
 
     void heading() {
         if (lines.text.starts_with(byteOrderMark)) {
-            warn("a byte order mark ahead of the first line, which is the heading, whatever it is");
+            warn("a byte order mark before the first line, which is the heading, whatever it is");
         }
         checkTitle("the heading");
     }
@@ -58,28 +58,28 @@ public:
         checkTitle("the title of automaton " + std::to_string(automaton));
     }
     void body() {}
-    void location(uint l, const Scanner& behind) {
+    void location(uint l, const Scanner& after) {
         checkKeyword("location");
         section.addLocation(l);
         locationLines.emplace_back(l, lines.number);
-        checkName(behind);
-        setName(locationNames, l, "location ", behind);
+        checkName(after);
+        setName(locationNames, l, "location ", after);
     }
-    void transition(const Transition& t, bool named, const Scanner& behind) {
+    void transition(const Transition& t, bool named, const Scanner& after) {
         checkKeyword("transition");
         section.addTransition(t, lines.number);
         transitions.emplace_back(t, lines.number);
-        checkName(behind);
+        checkName(after);
         if (named) {
-            setName(actionNames, t.action, "action ", behind);
-        } else if (!behind.rest().empty()) {
-            warn(inQuotes(behind.rest()) + " stands where an action number could, the action is 0");
+            setName(actionNames, t.action, "action ", after);
+        } else if (!after.rest().empty()) {
+            warn(inQuotes(after.rest()) + " stands where an action number could, the action is 0");
         }
     }
     void valuation() {
-        const std::string_view behind = trimmed(std::string_view(lines.text).substr(9));
-        if (beginsWithDigit(behind)) {
-            warn(inQuotes(behind) + " behind \"valuation\" is not read");
+        const std::string_view after = trimmed(std::string_view(lines.text).substr(9));
+        if (beginsWithDigit(after)) {
+            warn(inQuotes(after) + " after \"valuation\" is not read");
         }
     }
     void value(uint l) {
@@ -90,12 +90,12 @@ public:
         section.addProp(l, p);
         carried.insert(p);
     }
-    void behindValue(uint l, const std::optional<uint>& p, const Scanner& behind) {
-        checkName(behind);
+    void afterValue(uint l, const std::optional<uint>& p, const Scanner& after) {
+        checkName(after);
         if (p) {
-            setName(propNames, *p, "proposition ", behind);
-        } else if (!behind.rest().empty()) {
-            warn(inQuotes(behind.rest()) +
+            setName(propNames, *p, "proposition ", after);
+        } else if (!after.rest().empty()) {
+            warn(inQuotes(after.rest()) +
                  " stands where a proposition number could, the line gives location " +
                  std::to_string(l) + " none");
         }
@@ -107,7 +107,7 @@ public:
         const KeywordLine line = keywordLine(lines.text);
         const bool keyword = line.slip.empty() && !line.keyword.empty();
         warn("a line of the valuation that begins with no number is not read" +
-             (keyword ? ": declarations stand ahead of \"valuation\"" : hint(line)));
+             (keyword ? ": declarations stand before \"valuation\"" : hint(line)));
     }
     void closed();
     void end() {
@@ -119,7 +119,7 @@ public:
                                            " closes the network, like all lines that "
                                            "begin with \"end\" and stand where a title can");
         }
-        warn("text behind the closing line of the network, line " + std::to_string(closingLine) +
+        warn("text after the closing line of the network, line " + std::to_string(closingLine) +
              ", is not read");
     }
 
@@ -154,15 +154,15 @@ private:
             warn("the number that sticks to " + inQuotes(keyword) + " is not read");
         }
     }
-    /// A name that begins where the number ahead of it ends was meant to be something else.
-    void checkName(const Scanner& behind) {
-        const std::string_view text = behind.rest();
+    /// A name that begins where the number before it ends was meant to be something else.
+    void checkName(const Scanner& after) {
+        const std::string_view text = after.rest();
         if (text.empty() || isBlank(*(text.data() - 1))) return;
-        warn(inQuotes(text) + " sticks to the number ahead of it, numbers are separated by blanks");
+        warn(inQuotes(text) + " sticks to the number before it, numbers are separated by blanks");
     }
     template <class Key>
-    void setName(std::map<Key, Name>& names, Key key, const char* what, const Scanner& behind) {
-        const std::string_view text = behind.rest();
+    void setName(std::map<Key, Name>& names, Key key, const char* what, const Scanner& after) {
+        const std::string_view text = after.rest();
         if (text.empty()) return;
         const Name& given =
             names.try_emplace(key, Name{std::string(text), lines.number}).first->second;
@@ -176,8 +176,8 @@ private:
     }
     /// What may have led to a fault in the current line, as the end of its text.
     [[nodiscard]] std::string cause(NetworkFault::Kind kind) const;
-    /// Goes to the next title or closing line, false if there is none: behind two `end`s in a row,
-    /// unless a declaration follows, ahead of which one of them was too many.
+    /// Goes to the next title or closing line, false if there is none: after two `end`s in a row,
+    /// unless a declaration follows, before which one of them was too many.
     bool nextAutomaton(NetworkFault::Kind kind);
     void checkUndeclared(const NetworkFault& fault);
     void checkReach(std::map<uint, std::vector<uint>> sources);
@@ -233,8 +233,8 @@ void NetworkChecker::checkTitle(const std::string& what) {
 std::string NetworkChecker::cause(NetworkFault::Kind kind) const {
     using Kind = NetworkFault::Kind;
     const KeywordLine line = keywordLine(lines.text);
-    if (kind == Kind::missing && beginsWithDigit(line.behind)) {
-        return ", a blank is due ahead of the first one";
+    if (kind == Kind::missing && beginsWithDigit(line.after)) {
+        return ", a blank is due before the first one";
     }
     if (!anotherLineIsDue(kind)) return "";
 
@@ -243,18 +243,18 @@ std::string NetworkChecker::cause(NetworkFault::Kind kind) const {
     if (text.empty()) return ": a line of blanks is no empty line";
     if (text.front() == '#') return ": a comment begins in the first column";
     if (!line.slip.empty() && (end || kind == Kind::noDeclaration)) return ": " + line.slip;
-    if (kind == Kind::openLocation) return ": an \"end\" is due behind a location";
+    if (kind == Kind::openLocation) return ": an \"end\" is due after a location";
     if (kind == Kind::openAutomaton) {
-        return ": a second \"end\" is due behind the valuation, it closes the automaton";
+        return ": a second \"end\" is due after the valuation, it closes the automaton";
     }
     if (kind == Kind::openTransition) {
-        if (!end) return ": an \"end\" is due behind a transition";
-        const std::string_view behind = trimmed(line.behind);
-        return ": the \"end\" behind a transition stands alone, with no " +
-               (behind.empty() ? "blank" : inQuotes(behind)) + " behind it";
+        if (!end) return ": an \"end\" is due after a transition";
+        const std::string_view after = trimmed(line.after);
+        return ": the \"end\" after a transition stands alone, with no " +
+               (after.empty() ? "blank" : inQuotes(after)) + " after it";
     }
     if (nothingDeclared()) {
-        return ": " + inQuotes(text) + " stands behind line " + std::to_string(titleLine) +
+        return ": " + inQuotes(text) + " stands after line " + std::to_string(titleLine) +
                ", which was taken for the title";
     }
     if (end) return ": this \"end\" is one too many, or the valuation is missing";

@@ -2,7 +2,7 @@
 // done, and the state stays as it is. They are the inputs of the circuit that model checkers get,
 // and the path that a model checker tells is read from them.
 //
-// The bits are fields, one behind the other, each an unsigned number with its lowest bit first:
+// The bits are fields, one after the other, each an unsigned number with its lowest bit first:
 //
 //     action         an index of the actions by ascending number
 //     automaton 1    an index of its moves with that action from where it is, by ascending target

@@ -105,7 +105,6 @@ public:
     [[nodiscard]] std::optional<uint> automaton(uint a) const;
 
 private:
-
     std::vector<uint> carried; // the propositions of all locations, sorted
     std::vector<NetTimedModel::Location> carrying;
 };

@@ -1,6 +1,6 @@
 // What people call the automata, locations, actions and propositions of a network.
 //
-// A run ignores the title of an automaton and the text behind the numbers of a line. By convention
+// A run ignores the title of an automaton and the text after the numbers of a line. By convention
 // they are names:
 //
 //     title of an automaton                 the automaton's name

@@ -12,14 +12,14 @@ namespace tervoxal {
 struct NetworkFault {
     enum class Kind {
         // The file ends
-        noHeading,     // ahead of its heading
-        noClosingLine, // ahead of the closing line
+        noHeading,     // before its heading
+        noClosingLine, // before the closing line
         cutOff,        // inside of an automaton
         // The line is not the one that is due
-        noDeclaration,  // ahead of a valuation: it is neither a declaration nor `valuation`
-        openLocation,   // behind a location: it does not begin with `end`
-        openTransition, // behind a transition: it is not exactly `end`
-        openAutomaton,  // behind the `end` of a valuation: it does not begin with `end`
+        noDeclaration,  // before a valuation: it is neither a declaration nor `valuation`
+        openLocation,   // after a location: it does not begin with `end`
+        openTransition, // after a transition: it is not exactly `end`
+        openAutomaton,  // after the `end` of a valuation: it does not begin with `end`
         // A number in the line
         missing,
         negative,
@@ -33,7 +33,7 @@ struct NetworkFault {
 
     Kind kind;
     long line;                     // where it is told, from 1
-    int automaton;                 // the one that is read; 0 ahead of the first
+    int automaton;                 // the one that is read; 0 before the first
     Field field = Field::location; // of a number
     uint location = 0;             // that lacks its declaration
 };

@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "text/lines.h"
 #include "model/networkfault.h"
+#include "text/lines.h"
 #include "text/scanner.h"
 #include "text/uint.h"
 
@@ -33,27 +33,27 @@ inline bool operator<(const Transition& a, const Transition& b) {
 template <class Handler>
 concept NetworkHandler = requires(Handler handler, int automaton, uint number,
                                   const Transition& transition, bool named,
-                                  const std::optional<uint>& prop, const Scanner& behind,
+                                  const std::optional<uint>& prop, const Scanner& after,
                                   const NetworkFault& fault) {
     // The heading of the network.
     handler.heading();
     // The title of the automaton of that number.
     handler.title(automaton);
-    // The first line behind the title.
+    // The first line after the title.
     handler.body();
-    // A declared location, and what stands behind its number.
-    handler.location(number, behind);
+    // A declared location, and what stands after its number.
+    handler.location(number, after);
     // A transition; named: the file gives its action a number.
-    handler.transition(transition, named, behind);
+    handler.transition(transition, named, after);
     // The line `valuation`.
     handler.valuation();
     // The location of a line of the valuation.
     handler.value(number);
-    // A proposition of that line, behind its location.
+    // A proposition of that line, after its location.
     handler.prop(number, number);
     // The end of that line: its location, its last proposition if it has one, and what stands
-    // behind its numbers.
-    handler.behindValue(number, prop, behind);
+    // after its numbers.
+    handler.afterValue(number, prop, after);
     // A line of the valuation that begins with no number.
     handler.ignored();
     // The end of an automaton.
@@ -72,7 +72,7 @@ public:
     NetworkParser(Lines& lines, Handler& handler, int automata = 0)
         : lines(lines), handler(handler), automaton(automata) {}
 
-    /// Heading, automata and closing line. Nothing behind the closing line is read.
+    /// Heading, automata and closing line. Nothing after the closing line is read.
     void network() {
         if (!lines.next()) {
             refused(Kind::noHeading);
@@ -181,7 +181,7 @@ private:
             last = p;
         }
         if (!sound(found, Field::prop)) return false;
-        handler.behindValue(l, last, fields);
+        handler.afterValue(l, last, fields);
         return true;
     }
 

@@ -4,8 +4,8 @@
 #include "model/ntamodel.h"
 #include "model/section.h"
 
-#include "text/fatal.h"
 #include "system/filenames.h"
+#include "text/fatal.h"
 #include "text/lines.h"
 
 #include <algorithm>
@@ -33,21 +33,21 @@ public:
         if (progress) std::cout << "wczytywanie automatu\n";
         ++model.nrOfAutomata;
     }
-    void location(uint l, const Scanner& behind) {
+    void location(uint l, const Scanner& after) {
         section.addLocation(l);
-        if (names != nullptr) name(names->locations, {automaton, l}, behind.rest());
+        if (names != nullptr) name(names->locations, {automaton, l}, after.rest());
     }
-    void transition(const Transition& t, bool named, const Scanner& behind) {
+    void transition(const Transition& t, bool named, const Scanner& after) {
         section.addTransition(t, lines.number);
-        if (names != nullptr && named) name(names->actions, t.action, behind.rest());
+        if (names != nullptr && named) name(names->actions, t.action, after.rest());
     }
     void valuation() const {
         if (progress) std::cout << "wczytywanie wartosciowania\n";
     }
     void value(uint l) { section.addValue(l, lines.number); }
     void prop(uint l, uint p) { section.addProp(l, p); }
-    void behindValue(uint /*l*/, const std::optional<uint>& p, const Scanner& behind) {
-        if (names != nullptr && p) name(names->props, *p, behind.rest());
+    void afterValue(uint /*l*/, const std::optional<uint>& p, const Scanner& after) {
+        if (names != nullptr && p) name(names->props, *p, after.rest());
     }
     void ignored() {}
     void closed();

@@ -18,8 +18,8 @@ std::string oneLine(std::string_view name) {
     return std::string(trimmed(text));
 }
 
-/// The name behind the numbers of a line, or nothing.
-void behind(std::ostream& out, std::string_view name) {
+/// The name after the numbers of a line, or nothing.
+void after(std::ostream& out, std::string_view name) {
     const std::string text = oneLine(name);
     if (!text.empty()) out << ' ' << text;
 }
@@ -46,13 +46,13 @@ void NetworkWriter::automaton(std::string_view title) { titleLine(*out, title); 
 
 void NetworkWriter::location(uint l, std::string_view name) {
     *out << "location " << l;
-    behind(*out, name);
+    after(*out, name);
     *out << "\nend\n";
 }
 
 void NetworkWriter::transition(uint source, uint target, uint action, std::string_view name) {
     *out << "transition " << source << ' ' << target << ' ' << action;
-    behind(*out, name);
+    after(*out, name);
     *out << "\nend\n";
 }
 
@@ -63,7 +63,7 @@ void NetworkWriter::value(uint l, std::span<const uint> props, std::string_view 
     for (const uint p : props) *out << ' ' << p;
     if (!props.empty()) {
         const std::string text = oneLine(name);
-        behind(*out, beginsLikeNumber(text) ? '_' + text : text);
+        after(*out, beginsLikeNumber(text) ? '_' + text : text);
     }
     *out << '\n';
 }

@@ -3,7 +3,7 @@
 //
 // A name is written so that it is read back as the same name, but for this: control characters
 // become blanks, blanks at both ends go, and the name of a proposition that begins like a number
-// gets a "_" ahead, since it would be read as one.
+// gets a "_" in front, since it would be read as one.
 
 #pragma once
 
@@ -25,7 +25,7 @@ public:
     void automaton(std::string_view title);
     void location(uint l, std::string_view name = {});
     void transition(uint source, uint target, uint action, std::string_view name = {});
-    /// Begins the valuation of the automaton: one call, behind all locations and transitions.
+    /// Begins the valuation of the automaton: one call, after all locations and transitions.
     void valuation();
     /// The propositions of a location; the name is that of the last one. Without a proposition
     /// there is nothing to name.

@@ -1,9 +1,9 @@
 #include "model/ntamodel.h"
 
-#include "system/filenames.h"
-#include "text/lines.h"
-#include "system/outputfile.h"
 #include "model/step.h"
+#include "system/filenames.h"
+#include "system/outputfile.h"
+#include "text/lines.h"
 
 #include <bitset>
 #include <cassert>

@@ -15,9 +15,9 @@
 #pragma once
 
 #include "boolean/boolformvect.h"
+#include "model/symstate.h"
 #include "temporal/ectlform.h"
 #include "text/fatal.h"
-#include "model/symstate.h"
 #include "text/uint.h"
 
 #include <fstream>

@@ -1,11 +1,11 @@
 #include "modelchecker/prover.h"
 
 #include "model/choices.h"
-#include "text/fatal.h"
-#include "translation/reachability.h"
+#include "programs/witness.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
-#include "programs/witness.h"
+#include "text/fatal.h"
+#include "translation/reachability.h"
 
 #include <cassert>
 #include <map>

@@ -12,9 +12,9 @@
 #pragma once
 
 #include "certificate/certificate.h"
-#include "programs/invariant.h"
-#include "modelchecker/modelchecker.h"
 #include "model/names.h"
+#include "modelchecker/modelchecker.h"
+#include "programs/invariant.h"
 #include "search/board.h"
 
 #include <chrono>

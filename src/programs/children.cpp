@@ -1,8 +1,8 @@
 #include "programs/children.h"
 
 #include "programs/directories.h"
-#include "system/filetext.h"
 #include "programs/processtree.h"
+#include "system/filetext.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -133,7 +133,7 @@ std::optional<ChildEvent> Children::ended() {
         waitpid(child, nullptr, 0);
         if (!ours) continue; // an orphan
         return ChildEvent{.child = child,
-                     .status = info.si_status + (info.si_code == CLD_EXITED ? 0 : 128)};
+                          .status = info.si_status + (info.si_code == CLD_EXITED ? 0 : 128)};
     }
     return {};
 }

@@ -72,13 +72,13 @@ private:
 
     std::set<pid_t> running;
     std::vector<ChildEvent> unseen; // children that ended while others were waited for
-    bool adopts = false;       // its orphans
-    sigset_t before{};         // the blocked signals
-    sigset_t requests{};       // those that wait takes: to end, and SIGTSTP
-    sigset_t awaited{};        // requests and SIGCHLD
+    bool adopts = false;            // its orphans
+    sigset_t before{};              // the blocked signals
+    sigset_t requests{};            // those that wait takes: to end, and SIGTSTP
+    sigset_t awaited{};             // requests and SIGCHLD
 };
 
-/// Why a child could not be started. To be called directly behind start.
+/// Why a child could not be started. To be called directly after start.
 [[nodiscard]] std::string notStarted(const Launch& launch);
 /// What a child said last: the last line of the file that took its messages. Where nothing can be
 /// written beside that file, as on a full disk, it says so, and where.

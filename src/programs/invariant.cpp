@@ -19,7 +19,7 @@ public:
 
     std::vector<Cube> read() {
         while (lines.next()) take(lines.text);
-        if (!ended) error(name + ": cut off ahead of the .e at the end");
+        if (!ended) error(name + ": cut off before the .e at the end");
         if (cubes.size() != rows) {
             error(name + ": " + std::to_string(cubes.size()) + " rows in place of " +
                   std::to_string(rows));
@@ -29,7 +29,7 @@ public:
 
 private:
     void take(std::string_view rest) {
-        if (ended) refuse("behind the end", rest);
+        if (ended) refuse("after the end", rest);
         const std::string_view word = takeWord(rest);
         if (word == ".e") {
             ended = true;

@@ -55,7 +55,7 @@ public:
         }
         if (!model) error(name + ": SATISFIABLE, but no literals");
         if (!closed && (verdict || marked))
-            error(name + ": cut off ahead of the 0 behind the literals");
+            error(name + ": cut off before the 0 after the literals");
         sortLiterals();
         return {Verdict::satisfiable, std::move(literals)};
     }
@@ -93,7 +93,7 @@ private:
                 literal == std::numeric_limits<int>::min()) {
                 refuse("not a literal: '" + excerpt(word) + "'");
             }
-            if (closed) refuse("literals behind the 0 that ends them");
+            if (closed) refuse("literals after the 0 that ends them");
             if (literal == 0) {
                 closed = true;
             } else {

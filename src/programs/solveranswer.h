@@ -2,8 +2,8 @@
 //
 // Three formats are read, without being told which one it is:
 //
-//     s SATISFIABLE       the competition format: comments behind "c", the verdict behind "s",
-//     v 1 -2              literals behind "v", ended by 0; the verdict may come last
+//     s SATISFIABLE       the competition format: comments after "c", the verdict after "s",
+//     v 1 -2              literals after "v", ended by 0; the verdict may come last
 //     v 3 0
 //
 //     SAT                 MiniSat's result file

@@ -40,7 +40,7 @@ public:
             steps.push_back(std::move(lines[at].text));
         }
         if (shape.inputs > 0 && steps.empty()) error(name + ": no witness; empty or cut off");
-        if (head && !ended) error(name + ": cut off ahead of the . at the end");
+        if (head && !ended) error(name + ": cut off before the . at the end");
         if (!steps.empty()) steps.pop_back(); // the inputs at the end choose no step any more
         return {verdict, std::move(steps)};
     }
@@ -62,7 +62,7 @@ private:
                 ended = ended || mark != std::string::npos;
                 continue;
             }
-            if (ended) refuse(line, "behind the end: '" + excerpt(text) + "'");
+            if (ended) refuse(line, "after the end: '" + excerpt(text) + "'");
             ended = text == "." || mark != std::string::npos;
             if (text != ".") lines.push_back({line.number, std::string(text)});
         }

@@ -7,7 +7,7 @@
 //     001
 //     .             the end
 //
-// The first two lines and the last one may be missing, and the end may be "# DONE" behind the last
+// The first two lines and the last one may be missing, and the end may be "# DONE" after the last
 // inputs instead: so ABC writes it. A value x may be either. Lines that begin with "c" are
 // comments. Blanks at both ends of a line and carriage returns do not count, and neither do empty
 // lines, which a circuit without latches or inputs has.

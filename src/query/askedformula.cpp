@@ -1,8 +1,8 @@
 #include "query/askedformula.h"
 
-#include "text/fatal.h"
-#include "system/filenames.h"
 #include "query/formulacheck.h"
+#include "system/filenames.h"
+#include "text/fatal.h"
 #include "text/readable.h"
 
 #include <iostream>

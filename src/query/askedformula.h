@@ -3,8 +3,8 @@
 
 #pragma once
 
-#include "query/condition.h"
 #include "model/ntamodel.h"
+#include "query/condition.h"
 
 #include <string>
 

@@ -34,7 +34,7 @@ Condition conditionOf(const EctlForm& form) {
 
 namespace {
 
-/// Writes what it is called with, behind what it has written.
+/// Writes what it is called with, after what it has written.
 struct Writer {
     /// An operand is a constant, or what stands from begin on up to where the next one begins.
     struct Operand {

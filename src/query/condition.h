@@ -1,5 +1,5 @@
 // What is asked of one state of a network: atoms and Boolean operators in postfix notation, each
-// operator behind its operands. All who ask about states ask in this form, whether the question
+// operator after its operands. All who ask about states ask in this form, whether the question
 // came as a formula file or as an expression.
 //
 //     falsity, truth              the constants
@@ -47,7 +47,7 @@ struct Condition {
 };
 
 /// What a formula asks of a state. One with a temporal operator is false, and keeps what stands
-/// ahead of the first. Ends the process like refuseWithoutValue.
+/// before the first. Ends the process like refuseWithoutValue.
 [[nodiscard]] Condition conditionOf(const EctlForm& form);
 
 /// The same question as a formula in postfix notation, with the constants folded away: a formula

@@ -33,7 +33,7 @@ struct Token {
 struct Sort {
     std::string one;
     std::string many;
-    std::string of;    // what it belongs to, behind a blank
+    std::string of;    // what it belongs to, after a blank
     std::string write; // in place of a name that is not unique
 };
 
@@ -96,7 +96,7 @@ private:
 
     [[nodiscard]] bool arrow() const { return text.compare(at, 2, "->") == 0; }
 
-    /// The next word; a bare one ends ahead of a blank, of an arrow and of the enders.
+    /// The next word; a bare one ends before a blank, of an arrow and of the enders.
     Word word(std::string_view enders) {
         const std::size_t begin = at;
         if (at < text.size() && text[at] == '"') {
@@ -172,7 +172,7 @@ private:
         ++at;
     }
 
-    /// What stands behind the symbol: a number or a name of one of the things.
+    /// What stands after the symbol: a number or a name of one of the things.
     unsigned int argument(const Word& atom, char symbol, const Sort& sort, const Things& things) {
         expect(symbol, atom);
         skipBlanks();
@@ -283,11 +283,11 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
                                (token.kind == And || token.kind == Or);
             tokens.refuse(token.begin,
                           "an operand is missing " +
-                              (token.kind == End ? "at the end" : "ahead of " + textOf(token)) +
+                              (token.kind == End ? "at the end" : "before " + textOf(token)) +
                               (twice ? ", the operator is written once" : ""));
         }
         if (!operand && begins)
-            tokens.refuse(token.begin, "an operator is missing ahead of " + textOf(token));
+            tokens.refuse(token.begin, "an operator is missing before " + textOf(token));
         switch (token.kind) {
         case False:
         case True:
@@ -322,7 +322,7 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
 /// Takes the negations to the atoms (negation normal form). A Not means nothing from then
 /// on, and there is no Implies.
 void pushNegationsIn(std::vector<Step>& steps) {
-    // From the end on, an operator comes ahead of its operands, the right one first.
+    // From the end on, an operator comes before its operands, the right one first.
     std::vector<bool> negations = {false};
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
         const bool negated = negations.back();

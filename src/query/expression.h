@@ -13,9 +13,9 @@
 //     enabled(x)     action x is possible
 //     at(a, l)       automaton a is in location l
 //
-// x, a and l are numbers or names. Blanks separate and mean nothing. A bare name ends ahead of a
-// blank, of one of ! & | ( ) " and of "->", between the brackets of an atom ahead of a comma as
-// well; all other bytes may stand in it. `p` with digits behind it is always a number, and so are
+// x, a and l are numbers or names. Blanks separate and mean nothing. A bare name ends before a
+// blank, of one of ! & | ( ) " and of "->", between the brackets of an atom before a comma as
+// well; all other bytes may stand in it. `p` with digits after it is always a number, and so are
 // digits between the brackets of an atom; `true`, `false` and `deadlock` are always these words. In
 // double quotes they are names. `enabled` and `at` are names unless a bracket follows.
 
@@ -59,7 +59,7 @@ struct Expression {
 /// length, however deep it nests. An expression that is malformed, an unknown name, an action, an
 /// automaton or a location that is not there, and a name of two things end the process with status
 /// 1 and one line on standard error that tells the column, counted in bytes from 1. `where` stands
-/// ahead of that, for expressions that stand in a file.
+/// before that, for expressions that stand in a file.
 [[nodiscard]] Expression expressionOf(const std::string& text, const Vocabulary& vocabulary,
                                       const std::string& where = {});
 

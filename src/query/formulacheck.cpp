@@ -1,8 +1,8 @@
 #include "query/formulacheck.h"
 
-#include "text/carriagereturns.h"
-#include "system/filetext.h"
 #include "query/infix.h"
+#include "system/filetext.h"
+#include "text/carriagereturns.h"
 #include "text/lines.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace tervoxal {
 
 namespace {
 
-/// Operators that are dropped or make the formula false. None stands at or behind the column.
+/// Operators that are dropped or make the formula false. None stands at or after the column.
 void checkOperators(const std::string& text, std::size_t column, long line, Diagnostics& findings) {
     bool dropped = false;
     bool temporal = false;

@@ -13,7 +13,7 @@ bool looksLikeExpression(const std::string& text, const FormulaFault& fault) {
     if (line.find_first_of("!|()\"") != std::string::npos || line.find("->") != std::string::npos)
         return true;
     const std::size_t at = line.find('&');
-    // Ahead of the fault it is an operator of a formula.
+    // Before the fault it is an operator of a formula.
     if (at == std::string::npos || at + 1 < fault.column) return false;
     const std::string_view left = trimmed(line.substr(0, at));
     return !left.empty() && std::none_of(left.begin(), left.end(), isBlank) &&

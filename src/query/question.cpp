@@ -1,14 +1,14 @@
 #include "query/question.h"
 
 #include "query/askedformula.h"
-#include "text/fatal.h"
+#include "query/formulacheck.h"
+#include "query/vocabulary.h"
 #include "system/filenames.h"
 #include "text/diagnostics.h"
-#include "query/formulacheck.h"
+#include "text/fatal.h"
 #include "text/lines.h"
 #include "text/readable.h"
 #include "text/scanner.h"
-#include "query/vocabulary.h"
 
 #include <fstream>
 #include <iostream>

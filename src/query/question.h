@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "system/command.h"
-#include "query/condition.h"
 #include "model/names.h"
+#include "query/condition.h"
+#include "system/command.h"
 
 #include <string>
 #include <vector>

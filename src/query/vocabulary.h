@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "query/expression.h"
 #include "model/names.h"
+#include "query/expression.h"
 
 namespace tervoxal {
 

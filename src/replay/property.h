@@ -44,7 +44,7 @@ private:
 
     Condition condition; // the number of an atom is an index of atoms
     std::vector<Atom> atoms;
-    std::size_t asked = 0; // of the atoms those that the condition names; behind them other actions
+    std::size_t asked = 0; // of the atoms those that the condition names; after them other actions
     /// The atom that counts the actions that are possible, where the condition names deadlocks.
     std::optional<uint> possible;
     /// The atoms that count each location, sorted.

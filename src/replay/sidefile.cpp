@@ -1,7 +1,7 @@
 #include "replay/sidefile.h"
 
-#include "text/fatal.h"
 #include "system/filenames.h"
+#include "text/fatal.h"
 #include "text/lines.h"
 #include "text/scanner.h"
 

@@ -1,9 +1,9 @@
 #include "report/answers.h"
 
-#include "text/fatal.h"
+#include "replay/walk.h"
 #include "report/jsonreport.h"
 #include "system/outputfile.h"
-#include "replay/walk.h"
+#include "text/fatal.h"
 
 #include <algorithm>
 #include <set>

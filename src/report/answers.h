@@ -4,10 +4,10 @@
 #pragma once
 
 #include "model/names.h"
-#include "report/outcome.h"
 #include "query/question.h"
-#include "report/report.h"
 #include "replay/transitions.h"
+#include "report/outcome.h"
+#include "report/report.h"
 
 #include <cstddef>
 #include <ostream>
@@ -29,8 +29,6 @@ public:
     /// All have to outlive the answers. Nothing is known yet.
     Answers(const NetTimedModel& model, const Asked& asked, const Names& names);
 
-
-
     /// "NAME: path of 4 steps".
     [[nodiscard]] std::string line(std::size_t question) const;
     [[nodiscard]] Outcome outcome(std::size_t question) const;
@@ -38,9 +36,7 @@ public:
     [[nodiscard]] Known& known(std::size_t question) { return all[question]; }
     [[nodiscard]] const Known& known(std::size_t question) const { return all[question]; }
     /// Whether nothing is left to find out about the question.
-    [[nodiscard]] bool settled(std::size_t question) const {
-        return all[question].settled;
-    }
+    [[nodiscard]] bool settled(std::size_t question) const { return all[question].settled; }
     /// 10 if there is a path to some question, 20 if there is none to any, 0 if that is open.
     [[nodiscard]] int status() const;
 

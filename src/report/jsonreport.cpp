@@ -1,7 +1,7 @@
 #include "report/jsonreport.h"
 
-#include "text/readable.h"
 #include "report/report.h"
+#include "text/readable.h"
 
 #include <string_view>
 
@@ -9,7 +9,7 @@ namespace tervoxal {
 
 namespace {
 
-/// The comma ahead of all elements but the first one.
+/// The comma before all elements but the first one.
 class Separator {
 public:
     explicit Separator(std::string_view between) : between(between) {}

@@ -4,9 +4,7 @@
 
 namespace tervoxal {
 
-std::string ofLengths(int to) {
-    return " of " + std::string(to > 0 ? "0 to " : "") + steps(to);
-}
+std::string ofLengths(int to) { return " of " + std::string(to > 0 ? "0 to " : "") + steps(to); }
 
 std::string Outcome::brief() const {
     switch (kind) {

@@ -13,9 +13,9 @@ namespace tervoxal {
 
 /// What is known of a question, by whom ever it was found out.
 struct Known {
-    int refuted = -1;           // no path of up to that many steps meets it
-    std::optional<Path> path{}; // that meets it
-    bool unreachable = false;   // no path of any length meets it
+    int refuted = -1;                                 // no path of up to that many steps meets it
+    std::optional<Path> path{};                       // that meets it
+    bool unreachable = false;                         // no path of any length meets it
     std::shared_ptr<const Certificate> certificate{}; // if unreachable
     bool settled = false; // nothing is left to find out that was asked for
 };

@@ -1,8 +1,8 @@
 #include "report/picture.h"
 
+#include "report/report.h"
 #include "text/amounts.h"
 #include "text/readable.h"
-#include "report/report.h"
 
 #include <algorithm>
 #include <map>

@@ -53,7 +53,8 @@ Questions BoundedModelChecking::open(const Board& board) const {
 
 void BoundedModelChecking::turn(Board& board, const Questions& open, bool alone) {
     if (!unrolled) {
-        unrolled = std::make_unique<Unrolled>(board.network, Scope{policy.kind, true, coneOf(board, open)});
+        unrolled = std::make_unique<Unrolled>(board.network,
+                                              Scope{policy.kind, true, coneOf(board, open)});
         unrolled->solver.setStop([&board] { return board.stopped(); });
     }
     if (policy.leaps) {

@@ -2,13 +2,13 @@
 // asked for a path of each depth (Biere, Cimatti, Clarke and Zhu, Symbolic Model Checking without
 // BDDs, 1999).
 //
-// What is in one step is a parameter (see unrolling.h). Relaxed ordered (E) steps hold many actions,
-// so few of them come to a far state; interleaving steps hold one, so the first depth at which
-// there is a path is its least length. In each kind a step may be idle. So a depth that is refuted
-// refutes all lengths up to it, and not every depth is asked.
+// What is in one step is a parameter (see unrolling.h). Relaxed ordered (E) steps hold many
+// actions, so few of them come to a far state; interleaving steps hold one, so the first depth at
+// which there is a path is its least length. In each kind a step may be idle. So a depth that is
+// refuted refutes all lengths up to it, and not every depth is asked.
 //
-// One query asks for the disjunction of all open questions. If it is unsatisfiable, all are refuted;
-// if not, the model is a path of each question whose goal is true in it.
+// One query asks for the disjunction of all open questions. If it is unsatisfiable, all are
+// refuted; if not, the model is a path of each question whose goal is true in it.
 
 #pragma once
 
@@ -56,16 +56,18 @@ private:
     std::unique_ptr<Unrolled> unrolled;
     std::int64_t spent = 0;
     std::int64_t conflictsBefore = 0;
-    int conflicts;    // what a query may cost by now
-    int depth = -1;   // that was asked last, where it leaps
-    int stride = 1;   // where it climbs
+    int conflicts;  // what a query may cost by now
+    int depth = -1; // that was asked last, where it leaps
+    int stride = 1; // where it climbs
 };
 
 /// Relaxed ordered (E) steps to any depth: mostly a path within a few steps if there is one.
 inline constexpr BoundedModelChecking::Policy seekingPolicy{StepKind::relaxed, true, false, 1000};
 /// Independent (A) steps: refutes lengths of concurrent networks in few steps.
-inline constexpr BoundedModelChecking::Policy refutingPolicy{StepKind::independent, false, false, 2000};
+inline constexpr BoundedModelChecking::Policy refutingPolicy{StepKind::independent, false, false,
+                                                             2000};
 /// Interleaving: refutes lengths one by one, and finds the least.
-inline constexpr BoundedModelChecking::Policy leastPolicy{StepKind::interleaving, false, true, 2000};
+inline constexpr BoundedModelChecking::Policy leastPolicy{StepKind::interleaving, false, true,
+                                                          2000};
 
 } // namespace tervoxal

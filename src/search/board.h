@@ -29,8 +29,8 @@ public:
         Condition condition;
         int refuted = -1; // no path of up to that many steps meets it
         bool found = false;
-        Run path{};               // if found
-        bool unreachable = false; // no path of any length meets it
+        Run path{};                                       // if found
+        bool unreachable = false;                         // no path of any length meets it
         std::shared_ptr<const Certificate> certificate{}; // if unreachable
 
         [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
@@ -44,8 +44,9 @@ public:
     };
     /// Whom the board tells what is new, by the index of the question. Each may be empty.
     struct Listener {
-        std::function<void(std::span<const std::size_t>)> refuted; // a longer length of some of them
-        std::function<void(std::size_t)> found;                    // a path, or a shorter one
+        std::function<void(std::span<const std::size_t>)>
+            refuted;                            // a longer length of some of them
+        std::function<void(std::size_t)> found; // a path, or a shorter one
         std::function<void(std::size_t)> unreachable;
         /// Asked often: whether to end before the answer. It may only look.
         std::function<bool()> stop;
@@ -63,7 +64,9 @@ public:
     [[nodiscard]] bool settled(std::size_t question) const;
     /// The greatest length at which a path is to be looked for: shorter than the one that is known.
     [[nodiscard]] int limit(std::size_t question) const;
-    [[nodiscard]] bool stopped() const { return listener != nullptr && listener->stop && listener->stop(); }
+    [[nodiscard]] bool stopped() const {
+        return listener != nullptr && listener->stop && listener->stop();
+    }
     [[nodiscard]] bool proving() const {
         return listener != nullptr && listener->proving && listener->proving();
     }

@@ -17,7 +17,8 @@ public:
     /// From the initial state, or else from any.
     Checked(const FlatNetwork& network, const Certificate& certificate, bool initial)
         : network(network), certificate(certificate),
-          unrolling(network, solver, Scope{StepKind::interleaving, initial}), literals(unrolling, solver) {}
+          unrolling(network, solver, Scope{StepKind::interleaving, initial}),
+          literals(unrolling, solver) {}
 
     void leaveSets() {
         for (const int set : setsAt(0)) solver.add({-set});

@@ -31,7 +31,7 @@ void forEachChange(const FlatNetwork& network, const Firing& taken, Use&& use) {
     });
 }
 
-/// The number of actions ahead of the first state where the condition holds.
+/// The number of actions before the first state where the condition holds.
 std::size_t firstMet(const FlatNetwork& network, const Run& run, const Condition& condition) {
     Property property(network.model, condition);
     std::size_t position = 0;
@@ -42,7 +42,8 @@ std::size_t firstMet(const FlatNetwork& network, const Run& run, const Condition
 }
 
 /// An action of the network that leads from one state to the other, as the network have it.
-Firing takenBetween(const FlatNetwork& network, uint number, const State& before, const State& after) {
+Firing takenBetween(const FlatNetwork& network, uint number, const State& before,
+                    const State& after) {
     const std::optional<uint> action = network.action(number);
     assert(action);
     Firing taken{*action, {}};

@@ -1,11 +1,11 @@
-// A run of a network as the search finds it: actions one behind the other, with the moves of their
+// A run of a network as the search finds it: actions one after the other, with the moves of their
 // participants.
 
 #pragma once
 
+#include "model/flatnetwork.h"
 #include "query/condition.h"
 #include "replay/path.h"
-#include "model/flatnetwork.h"
 
 #include <cstddef>
 #include <vector>

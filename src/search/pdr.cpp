@@ -165,7 +165,8 @@ bool PropertyDirectedReachability::begin(Board& board, const Questions& asked) {
 }
 
 /// States that all meet the condition, among them that of the model.
-PropertyDirectedReachability::Locations PropertyDirectedReachability::cubeOf(const Condition& condition, int goal) {
+PropertyDirectedReachability::Locations
+PropertyDirectedReachability::cubeOf(const Condition& condition, int goal) {
     const std::vector<bool> looked = lookedAt(network, condition);
     Locations cube;
     for (uint l = 0; l < network.locations.size(); ++l) {
@@ -238,7 +239,8 @@ void PropertyDirectedReachability::keep(Locations lemma, std::size_t frame) {
 }
 
 /// The states from which these moves lead into the cube, all of them.
-PropertyDirectedReachability::Locations PropertyDirectedReachability::preimage(const Firing& firing, const Locations& cube) const {
+PropertyDirectedReachability::Locations
+PropertyDirectedReachability::preimage(const Firing& firing, const Locations& cube) const {
     Locations states;
     std::vector<uint> moving;
     for (std::size_t i = 0; i < firing.moves.size(); ++i) {
@@ -247,7 +249,8 @@ PropertyDirectedReachability::Locations PropertyDirectedReachability::preimage(c
     }
     std::sort(moving.begin(), moving.end());
     for (const uint l : cube) {
-        if (!std::ranges::binary_search(moving, network.locations[l].automaton)) states.push_back(l);
+        if (!std::ranges::binary_search(moving, network.locations[l].automaton))
+            states.push_back(l);
     }
     std::sort(states.begin(), states.end());
     return states;
@@ -260,7 +263,8 @@ PropertyDirectedReachability::Locations PropertyDirectedReachability::preimage(c
 /// these the locations that it has made use of; then each automaton is left out if that will do. To
 /// leave out single locations as well took more time than it saved, on random networks of
 /// 20 automata 5.6 s in place of 4.9.
-PropertyDirectedReachability::Locations PropertyDirectedReachability::generalize(const Locations& cube, std::size_t frame) {
+PropertyDirectedReachability::Locations
+PropertyDirectedReachability::generalize(const Locations& cube, std::size_t frame) {
     Locations used;
     for (const uint l : cube) {
         if (solver->failed(there(l))) used.push_back(l);
@@ -305,7 +309,7 @@ void PropertyDirectedReachability::shrinkToCore(Locations& lemma) const {
 }
 
 /// Lemmas that hold in the next frame as well go there. True if a frame is the same as the next
-/// one; then none of the lemmas that stay behind counts any more.
+/// one; then none of the lemmas that stay counts any more.
 bool PropertyDirectedReachability::propagate() {
     for (std::size_t i = 1; i + 1 < lemmas.size(); ++i) {
         std::vector<Locations> stay;

@@ -29,7 +29,7 @@ public:
     /// The number of variables so far.
     [[nodiscard]] int variables() const { return last; }
 
-    /// Clauses one behind the other, each closed by a 0.
+    /// Clauses one after the other, each closed by a 0.
     void add(std::span<const int> literals);
     void add(std::initializer_list<int> clause);
 

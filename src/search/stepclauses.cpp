@@ -72,9 +72,10 @@ private:
     const Scope& scope;
     const Says without;
     std::vector<uint> distances; // of each automaton
-    std::vector<Mover> movers;  // by automaton
+    std::vector<Mover> movers;   // by automaton
     std::vector<uint> moversEnd;
-    std::vector<std::pair<uint, std::size_t>> clauses; // how far ahead they matter, and their ends
+    std::vector<std::pair<uint, std::size_t>>
+        clauses; // how far from the last position they matter, and their ends
 };
 
 int Maker::newVar(uint level, uint distance) {
@@ -318,7 +319,7 @@ void Maker::ordered(uint l, std::vector<Effect>& events, bool bit) {
     std::stable_sort(events.begin(), events.end(), [](const Effect& x, const Effect& y) {
         return std::pair(x.rank, x.kind) < std::pair(y.rank, y.kind);
     });
-    std::size_t last = events.size(); // behind the last change
+    std::size_t last = events.size(); // after the last change
     while (last > 0 && events[last - 1].kind == Kind::test) --last;
     int value = now(l);
     if (last == 0) {

@@ -6,7 +6,7 @@
 // each location, but one for both locations of an automaton of two, which is true in the second. A
 // step has one for each action, one for each move of a participant with a choice, and some that
 // count to one. With all actions independent in a step (parallel), the clauses of examples/two are,
-// by the locations 0 to 4 and the actions 0 to 3 of its network (l' is behind the step):
+// by the locations 0 to 4 and the actions 0 to 3 of its network (l' is after the step):
 //
 //     source, target   action 0: 3 and 4'    action 1: 0 and 1', 2 and 3'
 //                      action 2: 1 and 0'    action 3: 4 and 2'
@@ -65,12 +65,13 @@ struct StepClauses {
     StepClauses(const FlatNetwork& network, const Scope& scope, Says without);
 
     struct Variable {
-        uint level;   // it is false in that many of the first steps
-        uint distance;  // it matters only that many steps ahead of the last position, or more
-        uint offset; // among those of a state, or of a step, that matter as far ahead
+        uint level;    // it is false in that many of the first steps
+        uint distance; // it matters only that many steps before the last position, or more
+        uint offset;   // among those of a state, or of a step, of the same distance
     };
     std::vector<Variable> variables; // from 1 on
-    /// How many there are of those of a state and of those of a step, by how far ahead they matter.
+    /// How many there are of those of a state and of those of a step, by how far from the last
+    /// position they matter.
     std::vector<uint> stateBlocks;
     std::vector<uint> stepBlocks;
     int stateSize = 0;
@@ -82,7 +83,7 @@ struct StepClauses {
 
     /// Closed by zeros, by ascending distance from the last position.
     std::vector<int> clauses;
-    /// The end of those that matter one step ahead of the last position, two, ...
+    /// The end of those that matter one step before the last position, two, ...
     std::vector<std::size_t> clausesEnd;
     std::vector<int> stateClauses; // of a state alone
     uint lastLevel = 0;

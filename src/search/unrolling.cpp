@@ -22,14 +22,16 @@ Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, const Scope& sc
         for (uint l = 0; l < network.locations.size(); ++l) {
             if (clauses.locations[l] > 0) starting.push_back(l);
         }
-        const auto distance = [&](uint l) { return clauses.variable(clauses.locations[l]).distance; };
+        const auto distance = [&](uint l) {
+            return clauses.variable(clauses.locations[l]).distance;
+        };
         std::stable_sort(starting.begin(), starting.end(),
                          [&](uint l, uint m) { return distance(l) < distance(m); });
     }
     start();
 }
 
-/// Gives variables to those that matter so many steps ahead.
+/// Gives variables to those that matter so many steps before the last position.
 void Unrolling::allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t distance) {
     if (distance >= sizes.size()) return;
     assert(blocks.size() == distance);

@@ -4,16 +4,16 @@
 //
 // A step holds no action, one (serial), any of which no two share an automaton that moves
 // (parallel), or any in a fixed order, in which an automaton may move more than once (ordered). In
-// each case they can be taken one behind the other, so a model of n steps is a path, of any length.
+// each case they can be taken one after the other, so a model of n steps is a path, of any length.
 // And a path of up to n steps is a model of n steps: with one action in a step at most, and idle
 // steps. So what is refuted at a depth is refuted for all paths of up to that many steps.
 
 #pragma once
 
+#include "model/flatnetwork.h"
 #include "search/firing.h"
 #include "search/solver.h"
 #include "search/stepclauses.h"
-#include "model/flatnetwork.h"
 
 #include <cstdint>
 #include <vector>
@@ -56,7 +56,7 @@ public:
 
 private:
     /// The first variable of each block of a state or of a step: those that matter in the last
-    /// state, one step ahead, two, ... Only what has come to matter has variables.
+    /// state, one step before it, two, ... Only what has come to matter has variables.
     using Blocks = std::vector<int>;
     void allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t distance);
     void start();
@@ -71,7 +71,7 @@ private:
     std::vector<Blocks> states; // by position
     std::vector<Blocks> steps;  // by the position that they come to
     std::vector<int> busyAt;
-    std::vector<uint> starting; // locations by how far ahead they matter
+    std::vector<uint> starting; // locations by how far from the last position they matter
     std::size_t started = 0;    // those that are told what they are at position 0
     std::vector<int> shifted;   // the clauses at hand
     std::int64_t given = 0;

@@ -1,8 +1,8 @@
 #include "sweep/sweep.h"
 
-#include "text/amounts.h"
 #include "system/filenames.h"
 #include "system/filetext.h"
+#include "text/amounts.h"
 
 #include <array>
 #include <fstream>

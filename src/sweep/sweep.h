@@ -41,7 +41,7 @@ struct Result {
     LengthVerdict verdict = LengthVerdict::none;
     std::chrono::duration<double> time{0};
     std::string text;                  // the path, or why there is none
-    int signal = 0;                    // not 0: ended by it, ahead of any verdict
+    int signal = 0;                    // not 0: ended by it, before any verdict
     std::vector<std::string> warnings; // of tervoxal and tervoxal-path
 };
 

@@ -1,8 +1,8 @@
 #include "system/command.h"
 
+#include "system/version.h"
 #include "text/fatal.h"
 #include "text/scanner.h"
-#include "system/version.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -21,7 +21,7 @@ std::string inputName(const std::string& typed) {
 }
 
 std::string lastPart(const std::string& name) {
-    std::string title = name.substr(name.rfind('/') + 1); // behind npos comes 0
+    std::string title = name.substr(name.rfind('/') + 1); // after npos comes 0
     return title.empty() ? "network" : title;
 }
 

@@ -22,7 +22,7 @@ inline constexpr const char* timeFileName = "tervoxaltime.out";
 /// there is no file light.in.in.
 [[nodiscard]] std::string inputName(const std::string& typed);
 
-/// What stands behind the last slash of an input's name; "network" where that is nothing.
+/// What stands after the last slash of an input's name; "network" where that is nothing.
 [[nodiscard]] std::string lastPart(const std::string& name);
 
 } // namespace tervoxal

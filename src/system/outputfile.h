@@ -55,7 +55,7 @@ private:
     void createTemporary();
     bool finish(bool whole);
 
-    int file = -1; // -1 ahead of the first write, and once it is finished or has failed
+    int file = -1; // -1 before the first write, and once it is finished or has failed
     bool begun = false;
     std::string target;    // what the name leads to
     std::string temporary; // empty if the target is written directly

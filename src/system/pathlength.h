@@ -1,5 +1,5 @@
 // The length of a path as the command line of a run tells it, which is looser than a number of the
-// options: text behind the digits is ignored, and of large numbers the low 32 bits are taken.
+// options: text after the digits is ignored, and of large numbers the low 32 bits are taken.
 
 #pragma once
 

@@ -97,7 +97,7 @@ std::string quoted(char c) {
     return {'0', 'x', digits[byte / 16U], digits[byte % 16U]};
 }
 
-/// The nodes of a tree in prefix order, so every operand stands behind its operator. Walked
+/// The nodes of a tree in prefix order, so every operand stands after its operator. Walked
 /// backwards, the operands of an operator come right before left and both before it.
 std::vector<const Node*> prefixOrder(const Node* root) {
     std::vector<const Node*> order;

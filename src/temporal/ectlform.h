@@ -1,6 +1,6 @@
 // Formulas of existential CTL in postfix notation, their parser, tree and measures.
 //
-// Tokens follow each other without separators, each operator behind its operands:
+// Tokens follow each other without separators, each operator after its operands:
 //
 //     T           true
 //     p12  p-12   the proposition 12, its negation; no digits mean the number 0
@@ -53,7 +53,7 @@ struct FormulaFault {
 /// A formula. Copying it copies all four fields.
 ///
 /// Invariant: onp is the postfix program of getText() wherever the text was one formula. A text
-/// that left several formulas behind gives the last one, with the entries of all of them in onp; a
+/// that left several formulas gives the last one, with the entries of all of them in onp; a
 /// text without any token gives OpNone and empty fields.
 class EctlForm {
 public:
@@ -62,7 +62,7 @@ public:
     /// and one line on standard error that tells the column, counted from 1.
     EctlForm(const std::string& text);
     /// Parses likewise, but tells the leftmost fault in place of ending the process. The formula
-    /// then is what stands ahead of it.
+    /// then is what stands before it.
     EctlForm(const std::string& text, std::optional<tervoxal::FormulaFault>& fault);
 
     [[nodiscard]] EctlOper getOp() const { return op; }

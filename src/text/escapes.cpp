@@ -4,7 +4,7 @@ namespace tervoxal {
 
 namespace {
 
-/// Whether there is a backslash that means the character behind it.
+/// Whether there is a backslash that means the character after it.
 bool escapes(std::string_view text, std::size_t i) {
     return text[i] == '\\' && i + 1 < text.size() && (text[i + 1] == '"' || text[i + 1] == '\\');
 }

@@ -1,4 +1,4 @@
-// Texts in double quotes: \" and \\ stand for " and \, and a backslash ahead of anything else
+// Texts in double quotes: \" and \\ stand for " and \, and a backslash before anything else
 // stands for itself.
 
 #pragma once

@@ -30,7 +30,7 @@ public:
     bool next();
 
     std::string text;
-    /// 0 ahead of the first line.
+    /// 0 before the first line.
     long number = 0;
 
 private:

@@ -62,9 +62,9 @@ void Nearest::offer(std::string_view candidate) {
     if (distance > most || distance >= static_cast<int>(std::max(word.size(), candidate.size()))) {
         return;
     }
-    const auto behind = std::find_if(best.begin(), best.end(),
-                                     [&](const Candidate& c) { return c.distance > distance; });
-    best.insert(behind, {distance, candidate});
+    const auto after = std::find_if(best.begin(), best.end(),
+                                    [&](const Candidate& c) { return c.distance > distance; });
+    best.insert(after, {distance, candidate});
     if (best.size() > mostFound) best.pop_back();
     if (best.size() == mostFound) most = best.back().distance;
 }

@@ -1,7 +1,7 @@
 // The fields of one line: words and numbers, as the >> of a stream takes them.
 //
 // White space is space, tab, vertical tab, form feed and carriage return. A number is decimal with
-// an optional sign; it ends ahead of the first character that is no digit. Numbers from 0 to
+// an optional sign; it ends before the first character that is no digit. Numbers from 0 to
 // 2147483647 have a meaning.
 
 #pragma once
@@ -21,7 +21,7 @@ enum class Found { number, nothing, negative, tooLarge };
 /// The text without the blanks at its ends.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-/// Takes the first word off the text, and the blanks ahead of it. Empty where no word is left.
+/// Takes the first word off the text, and the blanks before it. Empty where no word is left.
 std::string_view takeWord(std::string_view& text);
 
 /// Reads a text that is a decimal number and nothing else. Where it is none (nothing), or one that
@@ -42,12 +42,12 @@ class Scanner {
 public:
     explicit Scanner(std::string_view line) : at(line.data()), end(at + line.size()) {}
 
-    /// Goes behind the next word.
+    /// Goes after the next word.
     void skipWord();
-    /// Reads a number into n and goes behind it. Where there is none, or one without a meaning, n
+    /// Reads a number into n and goes after it. Where there is none, or one without a meaning, n
     /// stays, and the place is at what was found instead.
     [[nodiscard]] Found number(unsigned int& n);
-    /// What stands behind this place, without the blanks at its ends.
+    /// What stands after this place, without the blanks at its ends.
     [[nodiscard]] std::string_view rest() const { return trimmed({at, end}); }
 
 private:

@@ -8,8 +8,8 @@
 
 #pragma once
 
-#include "query/condition.h"
 #include "model/ntamodel.h"
+#include "query/condition.h"
 
 #include <optional>
 #include <vector>

@@ -1,9 +1,9 @@
 #include "translation/tectltran.h"
 
-#include "translation/evaluation.h"
+#include "model/step.h"
 #include "system/filenames.h"
 #include "system/outputfile.h"
-#include "model/step.h"
+#include "translation/evaluation.h"
 
 #include <algorithm>
 #include <cassert>
@@ -15,11 +15,11 @@ using namespace tervoxal;
 
 namespace {
 
-/// The tree under root, right operands ahead of left ones. It makes no difference to con and dis
+/// The tree under root, right operands before left ones. It makes no difference to con and dis
 /// which operand is first.
 Condition conditionOf(const Node* root) {
     using Term = Condition::Term;
-    // Operators ahead of operands, left ahead of right, and turned around at the end.
+    // Operators before operands, left before right, and turned around at the end.
     std::vector<Condition::Token> tokens;
     std::vector<const Node*> open = {root};
     while (!open.empty()) {

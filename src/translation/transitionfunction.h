@@ -20,8 +20,8 @@
 #pragma once
 
 #include "model/choices.h"
-#include "query/condition.h"
 #include "model/flatnetwork.h"
+#include "query/condition.h"
 
 #include <compare>
 #include <map>

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs the cases of a file, prints it anew with what they do, and compares: cases.sh FILE. With
-# "update" behind FILE it replaces the file. tests/data/cases/command-line.txt tells the format.
+# "update" after FILE it replaces the file. tests/data/cases/command-line.txt tells the format.
 set -eu
 : "${T:?}" "${D:?}" "${N:?}" "${E:?}"
 scratch=$(mktemp -d)

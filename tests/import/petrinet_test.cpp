@@ -1,6 +1,6 @@
-#include "model/names.h"
 #include "import/petrinet.h"
 #include "import/pnml.h"
+#include "model/names.h"
 #include "support.h"
 
 #include <algorithm>

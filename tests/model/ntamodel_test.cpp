@@ -1,7 +1,7 @@
 #include "model/ntamodel.h"
 
-#include "network.h"
 #include "model/step.h"
+#include "network.h"
 #include "store.h"
 
 #include <bitset>

@@ -2,8 +2,8 @@
 
 #include "modelchecker/prover.h"
 
-#include "replay/property.h"
 #include "randomquestion.h"
+#include "replay/property.h"
 #include "translation/reachability.h"
 
 #include <algorithm>
@@ -37,7 +37,8 @@ std::vector<State> statesOf(const FlatNetwork& tables) {
     return all;
 }
 
-bool proves(const FlatNetwork& tables, const Certificate& certificate, const RandomQuestion& question) {
+bool proves(const FlatNetwork& tables, const Certificate& certificate,
+            const RandomQuestion& question) {
     if (isIn(certificate, initialState(tables.model))) return false;
     return std::ranges::all_of(statesOf(tables), [&](const State& state) {
         return isIn(certificate, state) ||

@@ -1,7 +1,7 @@
 #include "programs/children.h"
 
-#include "system/filetext.h"
 #include "support.h"
+#include "system/filetext.h"
 
 #include <cerrno>
 #include <csignal>

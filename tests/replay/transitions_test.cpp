@@ -1,9 +1,9 @@
 #include "replay/transitions.h"
 
-#include "replay/path.h"
 #include "plain.h"
-#include "replay/property.h"
 #include "randomquestion.h"
+#include "replay/path.h"
+#include "replay/property.h"
 
 #include <map>
 

@@ -1,7 +1,7 @@
 #include "report/answers.h"
 
-#include "text/amounts.h"
 #include "randomquestion.h"
+#include "text/amounts.h"
 
 #include <set>
 
@@ -26,7 +26,7 @@ std::vector<std::string> lines(const NetTimedModel& model, const Answers::Asked&
 
 /// The least length in the range of a path that comes to what is asked for, -1 if there is none.
 int least(const NetTimedModel& model, const RandomQuestion& question, const Search::Range& range) {
-    std::set<std::pair<bool, State>> layer = {{false, initialState(model)}}; // met ahead of it
+    std::set<std::pair<bool, State>> layer = {{false, initialState(model)}}; // met before it
     for (int k = 0; k <= range.to; ++k) {
         std::set<std::pair<bool, State>> next;
         for (const auto& [before, state] : layer) {

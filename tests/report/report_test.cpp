@@ -2,8 +2,8 @@
 
 #include "report/report.h"
 
-#include "report/picture.h"
 #include "plain.h"
+#include "report/picture.h"
 
 #include <clocale>
 #include <cwchar>
@@ -34,7 +34,7 @@ const std::array<std::pair<std::string, std::string>, 18> pieces = {{
     {"\xed\xa0\x80.", "\xef\xbf\xbd\xef\xbf\xbd\xef\xbf\xbd."},
 }};
 
-/// A name, and the same as UTF-8 behind it in texts.
+/// A name, and the same as UTF-8 after it in texts.
 std::string randomName(Random& random, std::vector<std::string>& texts) {
     std::string name;
     texts.emplace_back();

@@ -2,11 +2,11 @@
 
 #include "search/search.h"
 
-#include "search/conditionliterals.h"
 #include "plain.h"
 #include "replay/property.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
+#include "search/conditionliterals.h"
 
 #include <algorithm>
 #include <array>
@@ -163,8 +163,7 @@ TEST(Search, agreesWithTheStates) {
             const Expected expected(transitions, finding.condition);
             const auto least = expected.least(range.from, range.to);
             if (finding.found) {
-                EXPECT_TRUE(
-                    meets(transitions, search.network(), finding.path, finding.condition));
+                EXPECT_TRUE(meets(transitions, search.network(), finding.path, finding.condition));
                 EXPECT_GE(finding.length(), range.from);
             }
             if (least) {
@@ -199,8 +198,8 @@ TEST(Search, provesWhatIsNeverMet) {
             const bool ever = Expected(transitions, finding.condition).ever;
             EXPECT_EQ(finding.found, ever);
             EXPECT_EQ(finding.never, !ever);
-            EXPECT_TRUE(!ever || meets(transitions, search.network(), finding.path,
-                                       finding.condition));
+            EXPECT_TRUE(!ever ||
+                        meets(transitions, search.network(), finding.path, finding.condition));
             ++seen.at(ever ? 0 : 1);
         }
     });

@@ -2,8 +2,8 @@
 
 #include "translation/reachability.h"
 
-#include "replay/path.h"
 #include "plain.h"
+#include "replay/path.h"
 
 #include <utility>
 
