@@ -8,6 +8,7 @@
 
 #include <cctype>
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -65,6 +66,32 @@ inline std::set<State> successors(const NetTimedModel& model, const State& state
         all.insert(next.begin(), next.end());
     }
     return all;
+}
+
+/// All states that are ever reached, with the least number of steps to each.
+inline std::map<State, int> distances(const NetTimedModel& model) {
+    std::map<State, int> all = {{initialState(model), 0}};
+    std::vector<State> layer = {all.begin()->first};
+    for (int k = 1; !layer.empty(); ++k) {
+        std::vector<State> next;
+        for (const State& state : layer) {
+            for (const State& s : successors(model, state)) {
+                if (all.try_emplace(s, k).second) next.push_back(s);
+            }
+        }
+        layer.swap(next);
+    }
+    return all;
+}
+
+/// The least number of steps to a state in which it holds, -1 if no such state is ever reached.
+template <class Holds>
+int least(const std::map<State, int>& distances, Holds&& holds) {
+    int least = -1;
+    for (const auto& [state, k] : distances) {
+        if ((least < 0 || k < least) && holds(state)) least = k;
+    }
+    return least;
 }
 
 /// Whether a formula of randomFormula holds in the state.

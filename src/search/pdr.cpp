@@ -8,8 +8,9 @@
 
 namespace tervoxal {
 
-PropertyDirectedReachability::PropertyDirectedReachability(const Board& board)
-    : board(board), network(board.network), lemmas(1) {}
+PropertyDirectedReachability::PropertyDirectedReachability(const Board& board,
+                                                           const Parameters& parameters)
+    : board(board), network(board.network), parameters(parameters), lemmas(1) {}
 
 Questions PropertyDirectedReachability::open(const Board& board) const {
     const bool proving = board.proving();
@@ -27,7 +28,6 @@ void PropertyDirectedReachability::makeSolver() {
     unrolling.reset();
     solver = std::make_unique<Solver>();
     solver->setStop([this] { return board.stopped(); });
-    ++made;
     unrolling = std::make_unique<Unrolling>(network, *solver, Scope{StepKind::interleaving, false});
     unrolling->step();
     literals = std::make_unique<ConditionLiterals>(*unrolling, *solver);
@@ -109,9 +109,8 @@ bool PropertyDirectedReachability::inductive(const Locations& lemma, std::size_t
 }
 
 void PropertyDirectedReachability::turn(Board& board, const Questions& open, bool /*alone*/) {
-    constexpr std::int64_t share = 100;
     if (!solver) makeSolver();
-    const std::int64_t end = queries + share;
+    const std::int64_t end = queries + parameters.turn;
     if (!std::ranges::binary_search(open, question)) queue.clear();
     while (queries < end && !board.stopped()) {
         if (queue.empty()) {
@@ -128,7 +127,7 @@ void PropertyDirectedReachability::turn(Board& board, const Questions& open, boo
 /// none, the frames grow by one. True if the board was told something.
 bool PropertyDirectedReachability::begin(Board& board, const Questions& asked) {
     const std::size_t last = lemmas.size() - 1;
-    if (given > 1000) {
+    if (given > parameters.rebuild) {
         std::size_t held = 0;
         for (const auto& own : lemmas) held += own.size();
         if (given > 3 * held) makeSolver();

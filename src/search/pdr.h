@@ -37,16 +37,23 @@ namespace tervoxal {
 
 class PropertyDirectedReachability : public Engine {
 public:
+    struct Parameters {
+        /// Queries in a turn.
+        std::int64_t turn = 100;
+        /// The solver is made anew when it was given that many lemmas, and three times those that
+        /// are left: a lemma that another implies, or that went to a later frame, stays in it.
+        std::size_t rebuild = 1000;
+    };
+
     /// F[0] of the board's network. The board must outlive it.
-    explicit PropertyDirectedReachability(const Board& board);
+    explicit PropertyDirectedReachability(const Board& board)
+        : PropertyDirectedReachability(board, Parameters()) {}
+    PropertyDirectedReachability(const Board& board, const Parameters& parameters);
 
     [[nodiscard]] std::int64_t cost() const override { return spent; }
     /// Questions without a path; where a proof is asked for, also those whose lengths are refuted.
     [[nodiscard]] Questions open(const Board& board) const override;
     void turn(Board& board, const Questions& open, bool alone) override;
-
-    /// How often the solver was made anew, without the lemmas that others imply.
-    [[nodiscard]] int rebuilt() const { return made - 1; }
 
 private:
     /// Indices of the network, ascending.
@@ -89,10 +96,10 @@ private:
 
     const Board& board;
     const FlatNetwork& network;
+    const Parameters parameters;
     std::unique_ptr<Solver> solver;
     std::unique_ptr<Unrolling> unrolling; // a step from any state
     std::unique_ptr<ConditionLiterals> literals;
-    int made = 0;                               // solvers
     std::vector<int> active;                    // of each frame, the literal under which it holds
     std::vector<std::vector<Locations>> lemmas; // of each frame, those that the next one lacks
     std::size_t given = 0;                      // lemmas, to the solver at hand

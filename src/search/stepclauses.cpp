@@ -182,8 +182,6 @@ void Maker::layOutActions() {
         });
     }
     const uint apart = scope.kind == StepKind::relaxed ? 0 : 1; // an action and what it moves
-    made.busy = newVar(0, 0);
-    std::vector<int> some = {-made.busy};
     for (uint x = 0; x < network.actions.size(); ++x) {
         uint distance = scope.cone.empty() ? 0 : never;
         for (const uint p : network.participantsOf(x)) {
@@ -193,7 +191,6 @@ void Maker::layOutActions() {
         const uint level = network.actions[x].level;
         const int action = newVar(level, distance);
         made.actions.push_back(action);
-        some.push_back(action);
         for (const uint p : network.participantsOf(x)) {
             const uint begin = network.movesBegin(p);
             const uint end = network.participants[p].movesEnd;
@@ -214,7 +211,6 @@ void Maker::layOutActions() {
             }
         }
     }
-    say(Says::busy, some);
     if (scope.kind == StepKind::interleaving) atMostOne(Says::exclusion, made.actions);
 }
 

@@ -5,7 +5,7 @@
 // the state that it comes to, in the same order, then those of the step. A state has a variable for
 // each location, but one for both locations of an automaton of two, which is true in the second. A
 // step has one for each action, one for each move of a participant with a choice, and some that
-// count to one. With all actions independent in a step (parallel), the clauses of examples/two are,
+// count to one. With all actions independent in a step, the clauses of examples/two are,
 // by the locations 0 to 4 and the actions 0 to 3 of its network (l' is after the step):
 //
 //     source, target   action 0: 3 and 4'    action 1: 0 and 1', 2 and 3'
@@ -15,7 +15,6 @@
 //                      3' and not 3: 1       not 3' and 3: 0
 //                      4' and not 4: 0       not 4' and 4: 3
 //     somewhere, once  exactly one of 2', 3', 4'
-//     busy             one of the actions, where the step has to have one
 //
 // The field calls the frame conditions explanatory frame axioms: what changes has an action that
 // changes it. So a step is linear in the transitions. Steps of many actions are those of Petri nets
@@ -46,7 +45,6 @@ enum class Says {
     choice,    // an action has a move of each participant
     frame,     // what no move changes stays
     exclusion, // of what would be in each other's way only one is in a step
-    busy,      // a step has an action where it has to
     nothing
 };
 
@@ -75,7 +73,6 @@ struct StepClauses {
     std::vector<uint> stateBlocks;
     std::vector<uint> stepBlocks;
     int stateSize = 0;
-    int busy = 0;
     std::vector<int> locations; // in the state that is left, negative where the bit is 0
     std::vector<int> actions;
     std::vector<int> moves;  // the action where the participant has no choice

@@ -10,7 +10,6 @@ Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, const Scope& sc
     : network(network), solver(solver), scope(scope), without(without),
       clauses(network, this->scope, without), verity(solver.newVariable()), states(1), steps(1) {
     solver.add({verity});
-    busyAt.push_back(verity);
     allot(states[0], clauses.stateBlocks, 0);
     if (!scope.initial) {
         // The clauses of a state alone have variables of the step that leads to it.
@@ -70,9 +69,6 @@ void Unrolling::step() {
         give(step--, std::span(clauses.clauses).subspan(begin, end - begin));
         begin = end;
     }
-    const int busyNow = number(clauses.busy, depth() - 1);
-    if (without != Says::busy) solver.add({-busyNow, busyAt.back()});
-    busyAt.push_back(busyNow);
 }
 
 /// Of a variable of the clauses, as that of a step from a position.

@@ -2,11 +2,13 @@
 // tells a run from its first position to its last. Only what is new at a position is given to the
 // solver, and questions about it are asked under assumptions.
 //
-// A step holds no action, one (serial), any of which no two share an automaton that moves
-// (parallel), or any in a fixed order, in which an automaton may move more than once (ordered). In
-// each case they can be taken one after the other, so a model of n steps is a path, of any length.
-// And a path of up to n steps is a model of n steps: with one action in a step at most, and idle
-// steps. So what is refuted at a depth is refuted for all paths of up to that many steps.
+// A step holds no action, one (interleaving), any of which no two share an automaton that moves
+// (independent, or A-steps), or any in a fixed order, in which an automaton may move more than once
+// (relaxed, or E-steps; Rintanen, Heljanko and Niemela, Planning as Satisfiability: Parallel Plans
+// and Algorithms for Plan Search, 2006). In each case they can be taken one after the other, so a
+// model of n steps is a path, of any length. And a path of up to n steps is a model of n steps:
+// with one action in a step at most, and idle steps. So what is refuted at a depth is refuted for
+// all paths of up to that many steps.
 
 #pragma once
 
@@ -37,11 +39,6 @@ public:
     /// The automaton of the location is in it, at a position from 0 to depth(). Precondition,
     /// asserted: it can matter at the last position.
     [[nodiscard]] int location(int position, uint l) const;
-    /// All steps up to a position have an action. Precondition: the scope is all that can happen.
-    [[nodiscard]] int busy(int position) const {
-        return busyAt[static_cast<std::size_t>(position)];
-    }
-
     /// The actions up to a position in the model, in an order in which they can be taken.
     [[nodiscard]] Run run(int position) const;
 
@@ -70,7 +67,6 @@ private:
     int verity;
     std::vector<Blocks> states; // by position
     std::vector<Blocks> steps;  // by the position that they come to
-    std::vector<int> busyAt;
     std::vector<uint> starting; // locations by how far from the last position they matter
     std::size_t started = 0;    // those that are told what they are at position 0
     std::vector<int> shifted;   // the clauses at hand

@@ -4,6 +4,7 @@
 
 #include "randomquestion.h"
 #include "replay/property.h"
+#include "search/certificatecheck.h"
 #include "translation/reachability.h"
 
 #include <algorithm>
@@ -46,19 +47,6 @@ bool proves(const FlatNetwork& tables, const Certificate& certificate,
                 std::ranges::none_of(successors(tables.model, state),
                                      [&](const State& next) { return isIn(certificate, next); }));
     });
-}
-
-bool isReached(const NetTimedModel& model, const RandomQuestion& question) {
-    std::set<State> seen = {initialState(model)};
-    for (std::vector<State> open = {*seen.begin()}; !open.empty();) {
-        const State state = open.back();
-        open.pop_back();
-        if (question.holds(state)) return true;
-        for (const State& s : successors(model, state)) {
-            if (seen.insert(s).second) open.push_back(s);
-        }
-    }
-    return false;
 }
 
 /// The invariant of a question that is never met.
@@ -114,21 +102,21 @@ TEST(Prover, agreesWithTheStates) {
         const Condition condition =
             expressionOf(question.text, vocabularyOf(model, names)).condition;
 
-        Search search(model, {condition}, {.to = 0}, {});
-        search.run();
-        Prover prover(search, names, {std::chrono::seconds(60), {}});
+        const FlatNetwork tables(model);
+        Board board(tables, {condition}, {.to = 0});
+        Prover prover(board, names, {std::chrono::seconds(60), {}});
         while (prover.working()) {
             prover.wait();
-            if (prover.ready()) prover.take();
+            if (prover.ready()) prover.take({});
         }
-        const Finding& finding = search.findings()[0];
-        const bool met = isReached(model, question);
+        const Board::Entry& entry = board[0];
+        const bool met = least(distances(model), question.holds) >= 0;
         reached += met ? 1 : 0;
-        EXPECT_EQ(finding.found, met);
-        EXPECT_EQ(finding.never, !met);
+        EXPECT_EQ(entry.found, met);
+        EXPECT_EQ(entry.unreachable, !met);
         if (met) {
             State state = initialState(model);
-            const Path path = pathOf(search.networkTables(), finding.path);
+            const Path path = pathOf(tables, entry.path);
             for (auto change = path.changes.begin(); change != path.changes.end();) {
                 const State before = state;
                 for (const int p = change->position;
@@ -139,18 +127,15 @@ TEST(Prover, agreesWithTheStates) {
             EXPECT_TRUE(question.holds(state));
             continue;
         }
-        if (!finding.certificate) continue; // the search found that there are no longer paths
-
         // What was written says the same as expressions, and damaged certificates are no proofs.
         const auto latches = static_cast<std::size_t>(model.totalNrVertBits);
         std::istringstream in(invariantOf(model, condition));
         const std::vector<Cube> cubes = readInvariant(in, "invariant", latches);
-        const FlatNetwork& tables = search.networkTables();
         EXPECT_EQ(certificateFault(tables, certificateOf(model, cubes), {&condition}), "");
         std::stringstream lines;
-        showCertificate(lines, model, names, *finding.certificate);
+        showCertificate(lines, model, names, *entry.certificate);
         std::string line;
-        for (const Certificate::Set& set : finding.certificate->sets) {
+        for (const Certificate::Set& set : entry.certificate->sets) {
             EXPECT_TRUE(std::getline(lines, line));
             const Expression expression =
                 expressionOf(line.substr(line.find(": ") + 2), vocabularyOf(model, names));

@@ -3,7 +3,7 @@
 #include "randomquestion.h"
 #include "text/amounts.h"
 
-#include <set>
+#include "search/portfolio.h"
 
 namespace tervoxal {
 
@@ -13,30 +13,19 @@ namespace {
 std::vector<std::string> lines(const NetTimedModel& model, const Answers::Asked& asked) {
     std::vector<Condition> conditions;
     for (const Question& question : asked.questions) conditions.push_back(question.condition);
-    Search search(model, conditions, asked.range, {});
-    search.run();
+    const FlatNetwork network(model);
+    Board board(network, conditions, {asked.lengths.to});
+    Portfolio(board).run({});
     const Names names;
-    const Answers answers(asked, search, names);
+    Answers answers(model, asked, names);
     std::vector<std::string> all;
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
+        Known& known = answers.known(q);
+        known = {board[q].refuted, {}, board[q].unreachable, board[q].certificate};
+        if (board[q].found) known.path = pathOf(network, board[q].path);
         all.push_back(answers.line(q).substr(0, answers.line(q).find(';')));
     }
     return all;
-}
-
-/// The least length in the range of a path that comes to what is asked for, -1 if there is none.
-int least(const NetTimedModel& model, const RandomQuestion& question, const Search::Range& range) {
-    std::set<std::pair<bool, State>> layer = {{false, initialState(model)}}; // met before it
-    for (int k = 0; k <= range.to; ++k) {
-        std::set<std::pair<bool, State>> next;
-        for (const auto& [before, state] : layer) {
-            const bool met = before || question.holds(state);
-            if (met && k >= range.from) return k;
-            for (const State& s : successors(model, state)) next.emplace(met, s);
-        }
-        layer.swap(next);
-    }
-    return -1;
 }
 
 /// Where there is no path, how that was found out depends on what else is asked.
@@ -66,13 +55,13 @@ TEST(Answers, areThoseOfEachQuestionAloneAndOfTheStates) {
         testing::internal::CaptureStderr(); // propositions that no location carries
         Answers::Asked asked{readQuestions(model, namesOf(model), dir.path / "questions"), {}, ""};
         (void)testing::internal::GetCapturedStderr();
-        asked.range.to = static_cast<int>(random() % 9);
-        asked.range.from = static_cast<int>(
-            random() % 3 == 0 ? random() % static_cast<uint>(asked.range.to + 1) : 0);
+        asked.lengths.to = static_cast<int>(random() % 9);
+        const std::map<State, int> reached = distances(model);
         std::vector<std::string> alone;
         for (std::size_t q = 0; q < questions.size(); ++q) {
-            alone.push_back(lines(model, {{asked.questions[q]}, asked.range, ""}).front());
-            const int k = least(model, questions[q], asked.range);
+            alone.push_back(lines(model, {{asked.questions[q]}, asked.lengths, ""}).front());
+            int k = least(reached, questions[q].holds);
+            if (k > asked.lengths.to) k = -1;
             const std::size_t told = alone.back().find(": path of ");
             EXPECT_EQ(told == std::string::npos ? "" : alone.back().substr(told),
                       k < 0 ? "" : ": path of " + steps(k))
