@@ -1,8 +1,8 @@
 #include "query/expression.h"
 
+#include "query/hints.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
-#include "text/nearest.h"
 #include "text/readable.h"
 #include "text/scanner.h"
 
@@ -62,6 +62,7 @@ public:
         skipBlanks();
         const std::size_t begin = at;
         Token token = at == text.size() ? Token{End} : read();
+        if (token.kind != Atom) last.reset();
         token.begin = begin;
         token.end = at;
         return token;
@@ -69,6 +70,15 @@ public:
 
     [[noreturn]] void refuse(std::size_t position, const std::string& what) const {
         error(where + "column " + std::to_string(position + 1) + ": " + what);
+    }
+
+    /// Of two operands in a row.
+    [[noreturn]] void refuseSecond(const Token& first, const Token& second) const {
+        const MistakenWord name = meant(first);
+        const MistakenWord word = meant(second);
+        std::string hint = operatorHint(word);
+        if (hint.empty() && first.kind == Atom) hint = quotesHint(name, vocabulary.props);
+        refuse(second.begin, "an operator is missing before " + inQuotes(word.text) + hint);
     }
 
     std::string beyondFormula;
@@ -132,7 +142,9 @@ private:
                 return {Atom, {Term::prop, prop}};
             }
         }
-        return {Atom, {Term::prop, named(word, propositions, vocabulary.props)}};
+        const unsigned int prop = named(word, propositions, vocabulary.props);
+        last = word;
+        return {Atom, {Term::prop, prop}};
     }
 
     Token beyond(const Word& word, const Condition::Token& atom) {
@@ -180,7 +192,15 @@ private:
         if (argument.text.empty() && !argument.quoted) {
             refuse(at, "the " + sort.one + " is missing in " + atom.text + "(...)");
         }
-        if (argument.quoted || !isNumber(argument.text)) return named(argument, sort, things.named);
+        if (argument.quoted || !isNumber(argument.text)) {
+            const unsigned int number = named(argument, sort, things.named);
+            skipBlanks();
+            const bool closed = at == text.size() || text[at] == ',' || text[at] == ')';
+            const std::string hint = closed ? "" : quotesHint(meant(argument), things.named);
+            if (!hint.empty())
+                refuse(argument.begin, inQuotes(argument.text) + " is not all" + hint);
+            return number;
+        }
         const unsigned int number = numberIn(argument, sort);
         if (!things.numbers.contains(number)) {
             refuse(argument.begin,
@@ -237,19 +257,33 @@ private:
                    word.text + " is a temporal operator, and expressions have none: what is asked "
                                "is whether a state can be reached in which they hold");
         }
-        Nearest nearest(word.text);
-        for (const auto& [known, numbers] : names) nearest.offer(known);
-        std::string hint;
-        for (const std::string_view candidate : nearest.found()) {
-            hint += (hint.empty() ? "; the nearest: " : ", ") + inQuotes(candidate);
-        }
+        const MistakenWord mistaken = meant(word);
+        const bool proposition = &sort == &propositions;
+        const bool number = proposition && !word.quoted && isNumber(word.text);
+        std::string hint = number ? ", proposition " + word.text + " is p" + word.text : "";
+        if (hint.empty() && proposition) hint = operatorHint(mistaken);
+        if (hint.empty()) hint = quotesHint(mistaken, names);
+        if (hint.empty() && proposition && last) hint = quotesHint(meant(*last), names);
+        if (hint.empty() && proposition) hint = atomHint(mistaken, vocabulary);
+        if (hint.empty() && &sort == &automata) hint = locationHint(mistaken, vocabulary);
+        if (hint.empty()) hint = nearestHint(mistaken, names, proposition);
         refuse(word.begin, "no " + sort.one + sort.of + " is named " + inQuotes(word.text) + hint);
+    }
+
+    [[nodiscard]] MistakenWord meant(const Word& word) const {
+        return {word.text, std::string_view(text).substr(word.begin), word.quoted};
+    }
+    [[nodiscard]] MistakenWord meant(const Token& token) const {
+        const std::string_view source = std::string_view(text).substr(token.begin);
+        return {trimmed(source.substr(0, token.end - token.begin)), source,
+                text[token.begin] == '"'};
     }
 
     const std::string& text;
     const Vocabulary& vocabulary;
     const std::string& where;
     std::size_t at = 0;
+    std::optional<Word> last; // the name that is the token before, if it is one
     std::set<std::pair<std::string, std::string>> warned;
 };
 
@@ -286,8 +320,7 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
                               (token.kind == End ? "at the end" : "before " + textOf(token)) +
                               (twice ? ", the operator is written once" : ""));
         }
-        if (!operand && begins)
-            tokens.refuse(token.begin, "an operator is missing before " + textOf(token));
+        if (!operand && begins) tokens.refuseSecond(before, token);
         switch (token.kind) {
         case False:
         case True:
