@@ -26,7 +26,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <ranges>
 #include <span>
 #include <utility>
 #include <vector>
@@ -58,6 +57,29 @@ public:
         uint level;
     };
 
+    /// Indices from one up to before another, for a loop over them: std::views::iota does not
+    /// compile with clang++ 14.
+    struct Indices {
+        struct Iterator {
+            uint index;
+
+            uint operator*() const { return index; }
+            Iterator& operator++() {
+                ++index;
+                return *this;
+            }
+            bool operator==(const Iterator&) const = default;
+        };
+
+        uint first;
+        uint last;
+
+        [[nodiscard]] Iterator begin() const { return {first}; }
+        [[nodiscard]] Iterator end() const { return {last}; }
+        [[nodiscard]] uint size() const { return last - first; }
+        [[nodiscard]] bool empty() const { return first == last; }
+    };
+
     /// The network of a network that is read and laid out. Linear in them, but for the sorting of
     /// what each location is the source of.
     explicit FlatNetwork(const NetTimedModel& model);
@@ -80,14 +102,14 @@ public:
         return p == 0 ? 0 : participants[p - 1].movesEnd;
     }
     /// The indices of an automaton's locations, an action's participants, a participant's moves.
-    [[nodiscard]] auto locationsOf(uint a) const {
-        return std::views::iota(locationsBegin(a), automata[a].locationsEnd);
+    [[nodiscard]] Indices locationsOf(uint a) const {
+        return {locationsBegin(a), automata[a].locationsEnd};
     }
-    [[nodiscard]] auto participantsOf(uint x) const {
-        return std::views::iota(participantsBegin(x), actions[x].participantsEnd);
+    [[nodiscard]] Indices participantsOf(uint x) const {
+        return {participantsBegin(x), actions[x].participantsEnd};
     }
-    [[nodiscard]] auto movesOf(uint p) const {
-        return std::views::iota(movesBegin(p), participants[p].movesEnd);
+    [[nodiscard]] Indices movesOf(uint p) const {
+        return {movesBegin(p), participants[p].movesEnd};
     }
 
     /// Whether location l of automaton a, numbers of the network, is where the automaton can be:
