@@ -43,9 +43,9 @@ BoundedModelChecking::BoundedModelChecking(const Policy& policy)
 
 BoundedModelChecking::~BoundedModelChecking() = default;
 
-Questions BoundedModelChecking::open(const Board& board) const {
+Questions BoundedModelChecking::open(const Board& board, const Questions& among) const {
     Questions open;
-    for (std::size_t q = 0; q < board.size(); ++q) {
+    for (const std::size_t q : among) {
         if (!board.settled(q) && (policy.shortens || !board[q].found)) open.push_back(q);
     }
     return open;

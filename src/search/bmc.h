@@ -40,7 +40,7 @@ public:
     ~BoundedModelChecking() override;
 
     [[nodiscard]] std::int64_t cost() const override { return spent; }
-    [[nodiscard]] Questions open(const Board& board) const override;
+    [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
     void turn(Board& board, const Questions& open, bool alone) override;
 
 private:

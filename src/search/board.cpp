@@ -16,7 +16,8 @@ Board::Board(const FlatNetwork& network, std::vector<Condition> conditions, Rang
 bool Board::settled(std::size_t question) const {
     const Entry& entry = entries[question];
     if (entry.unreachable || entry.refuted >= range.to) return true;
-    return entry.found && (entry.least() || (range.any && entry.length() <= range.to));
+    const bool enough = entry.closed || (range.any && entry.length() <= range.to);
+    return entry.found && (entry.least() || enough);
 }
 
 int Board::limit(std::size_t question) const {
@@ -40,6 +41,10 @@ void Board::offer(std::size_t question, Run run) {
     entry.found = true;
     entry.path = std::move(path);
     if (listener != nullptr && listener->found) listener->found(question);
+}
+
+void Board::close(std::size_t question) {
+    entries[question].closed = entries[question].found && !range.least;
 }
 
 std::string Board::exclude(std::span<const std::size_t> questions, const Certificate& certificate) {

@@ -32,6 +32,7 @@ public:
         Run path{};                                       // if found
         bool unreachable = false;                         // no path of any length meets it
         std::shared_ptr<const Certificate> certificate{}; // if unreachable
+        bool closed = false;                              // enough was spent on a shorter path
 
         [[nodiscard]] int length() const { return static_cast<int>(path.size()); }
         /// No shorter path meets it.
@@ -40,7 +41,8 @@ public:
     /// What is asked of each: paths of 0 to `to` steps.
     struct Range {
         int to = 0;
-        bool any = false; // any path will do, not only the shortest
+        bool any = false;   // any path will do, not only the shortest
+        bool least = false; // the shortest, whatever it takes
     };
     /// Whom the board tells what is new, by the index of the question. Each may be empty.
     struct Listener {
@@ -79,6 +81,9 @@ public:
     /// No path of any length meets the questions, if the certificate holds: gives what fails, or an
     /// empty text.
     std::string exclude(std::span<const std::size_t> questions, const Certificate& certificate);
+
+    /// Enough was spent on a path shorter than the one that is known, unless the least is wanted.
+    void close(std::size_t question);
 
     /// Who is told from now on; null for nobody.
     void tell(const Listener* whom) { listener = whom; }

@@ -25,13 +25,13 @@ public:
     /// a clause, about 0.2 us; it is counted, not measured, so that the same input gives the same
     /// turns.
     [[nodiscard]] virtual std::int64_t cost() const = 0;
-    /// The questions that it can work on as the board stands. If there is none, there will never be
-    /// one again.
-    [[nodiscard]] virtual Questions open(const Board& board) const = 0;
+    /// Of these questions those that it can work on as the board stands. One that it can not work
+    /// on it never will.
+    [[nodiscard]] virtual Questions open(const Board& board, const Questions& among) const = 0;
     /// Works on these for a while, the shorter the less it has cost so far, and tells the board
     /// what comes out. `alone`: nobody else can work on them, so it need not give up early. Comes
     /// back soon when the board is stopped, and goes on in the next turn to the same answers.
-    /// Precondition: open(board) gives them, and it is not empty.
+    /// Precondition: open gives them, and there is one.
     virtual void turn(Board& board, const Questions& open, bool alone) = 0;
 };
 

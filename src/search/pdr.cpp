@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cassert>
+#include <limits>
+#include <span>
 #include <utility>
 
 namespace tervoxal {
@@ -12,10 +14,10 @@ PropertyDirectedReachability::PropertyDirectedReachability(const Board& board,
                                                            const Parameters& parameters)
     : board(board), network(board.network), parameters(parameters), lemmas(1) {}
 
-Questions PropertyDirectedReachability::open(const Board& board) const {
+Questions PropertyDirectedReachability::open(const Board& board, const Questions& among) const {
     const bool proving = board.proving();
     Questions open;
-    for (std::size_t q = 0; q < board.size(); ++q) {
+    for (const std::size_t q : among) {
         const bool left = proving ? !board[q].unreachable : !board.settled(q);
         if (left && !board[q].found) open.push_back(q);
     }
@@ -110,11 +112,14 @@ bool PropertyDirectedReachability::inductive(const Locations& lemma, std::size_t
 
 void PropertyDirectedReachability::turn(Board& board, const Questions& open, bool /*alone*/) {
     if (!solver) makeSolver();
+    level.resize(board.size());
     const std::int64_t end = queries + parameters.turn;
     if (!std::ranges::binary_search(open, question)) queue.clear();
     while (queries < end && !board.stopped()) {
         if (queue.empty()) {
-            if (begin(board, open)) return;
+            const auto next = std::ranges::upper_bound(open, question);
+            question = next == open.end() ? open.front() : *next;
+            if (begin(board)) return;
         } else if (block()) {
             queue.clear();
             board.offer(question, path());
@@ -123,43 +128,46 @@ void PropertyDirectedReachability::turn(Board& board, const Questions& open, boo
     }
 }
 
-/// Looks for a state of the last frame that meets a question, the first obligation. If there is
-/// none, the frames grow by one. True if the board was told something.
-bool PropertyDirectedReachability::begin(Board& board, const Questions& asked) {
-    const std::size_t last = lemmas.size() - 1;
+/// Looks for a state of the question's frame that meets it, the first obligation. If there is none,
+/// the next frame is the question's. True if the board was told something.
+bool PropertyDirectedReachability::begin(Board& board) {
     if (given > parameters.rebuild) {
         std::size_t held = 0;
         for (const auto& own : lemmas) held += own.size();
         if (given > 3 * held) makeSolver();
     }
     obligations.clear();
-    for (const std::size_t q : asked) {
-        const Condition& condition = board[q].condition;
-        const int goal = literals->literal(condition, 0);
-        solver->assume(active[last]);
-        solver->assume(goal);
-        const Solver::Verdict verdict = solve(); // sat(F[last] & P)
-        if (verdict == Solver::Verdict::unknown) return false;
-        if (verdict == Solver::Verdict::unsatisfiable) continue;
-        question = q;
+    const std::size_t frame = level[question];
+    const Condition& condition = board[question].condition;
+    const int goal = literals->literal(condition, 0);
+    solver->assume(active[frame]);
+    solver->assume(goal);
+    const Solver::Verdict verdict = solve(); // sat(F[frame] & P)
+    if (verdict == Solver::Verdict::unknown) return false;
+    if (verdict == Solver::Verdict::satisfiable) {
         obligations.push_back({cubeOf(condition, goal), {}, 0});
-        if (hasInitial(obligations[0].cube)) {
-            board.offer(q, {});
-            return true;
-        }
-        queue[last].push_back(0);
-        return false;
+        queue[frame].push_back(0);
+        if (!hasInitial(obligations[0].cube)) return false;
+        queue.clear();
+        board.offer(question, {});
+        return true;
     }
-    const bool closed = propagate();
-    if (board.stopped()) return false;
-    if (closed) {
-        const std::string fault = board.exclude(asked, invariant());
+    if (frame + 1 == lemmas.size()) {
+        propagate();
+        if (board.stopped()) return false;
+        lemmas.emplace_back();
+        addFrame(frame + 1);
+    }
+    ++level[question];
+    for (std::size_t i = std::max<std::size_t>(1, network.lastLevel); i <= frame; ++i) {
+        if (!lemmas[i].empty()) continue;
+        const std::string fault = board.exclude(std::span(&question, 1), invariant(i));
         assert(fault.empty());
         return true;
     }
-    lemmas.emplace_back();
-    addFrame(last + 1);
-    board.refute(asked, std::min(static_cast<int>(last), board.range.to));
+    const auto length =
+        static_cast<int>(std::min<std::size_t>(frame, std::numeric_limits<int>::max()));
+    board.refute(std::span(&question, 1), std::min(length, board.range.to));
     return true;
 }
 
@@ -185,7 +193,7 @@ bool PropertyDirectedReachability::block() {
     const std::size_t frame = queue.begin()->first;
     const std::size_t at = queue.begin()->second.back();
     const Locations cube = obligations[at].cube;
-    const std::size_t last = lemmas.size() - 1;
+    const std::size_t last = level[question];
     // Enqueued again at the next frame, as usual in PDR.
     const auto blockedUpTo = [&](std::size_t upTo) {
         std::vector<std::size_t>& here = queue[frame];
@@ -202,7 +210,7 @@ bool PropertyDirectedReachability::block() {
     if (reached == Solver::Verdict::unsatisfiable) {
         Locations lemma = generalize(cube, frame);
         std::size_t upTo = frame;
-        while (upTo < last && inductive(lemma, upTo)) ++upTo;
+        while (upTo + 1 < lemmas.size() && inductive(lemma, upTo)) ++upTo;
         keep(std::move(lemma), upTo);
         blockedUpTo(upTo);
         return false;
@@ -268,10 +276,7 @@ PropertyDirectedReachability::generalize(const Locations& cube, std::size_t fram
     for (const uint l : cube) {
         if (solver->failed(there(l))) used.push_back(l);
     }
-    if (hasInitial(used)) {
-        used.push_back(*std::ranges::find_if(cube, [&](uint l) { return !isInitial(l); }));
-        std::sort(used.begin(), used.end());
-    }
+    assert(!hasInitial(used)); // to which an idle step leads from the initial state
     Locations lemma;
     std::vector<uint> automata;
     for (const uint l : used) {
@@ -300,39 +305,33 @@ void PropertyDirectedReachability::shrinkToCore(Locations& lemma) const {
     for (const uint l : lemma) {
         if (solver->failed(-there(l))) used.push_back(l);
     }
-    if (!holdsInitially(used)) {
-        used.push_back(*std::ranges::find_if(lemma, [&](uint l) { return isInitial(l); }));
-        std::sort(used.begin(), used.end());
-    }
+    assert(holdsInitially(used)); // else an idle step would lose it, from the initial state
     lemma.swap(used);
 }
 
-/// Lemmas that hold in the next frame as well go there. True if a frame is the same as the next
-/// one; then none of the lemmas that stay counts any more.
-bool PropertyDirectedReachability::propagate() {
+/// Lemmas that hold in the next frame as well go there. Where none is left, the frame is the same
+/// as the next one: an invariant.
+void PropertyDirectedReachability::propagate() {
     for (std::size_t i = 1; i + 1 < lemmas.size(); ++i) {
         std::vector<Locations> stay;
         for (Locations& lemma : lemmas[i]) {
-            if (!inductive(lemma, i)) {
-                stay.push_back(std::move(lemma));
-            } else {
+            if (inductive(lemma, i)) {
                 addLemma(lemma, i + 1);
                 lemmas[i + 1].push_back(std::move(lemma));
+            } else {
+                stay.push_back(std::move(lemma));
             }
         }
         lemmas[i].swap(stay);
-        if (lemmas[i].empty() && i >= network.lastLevel) {
-            for (std::size_t j = 0; j < i; ++j) lemmas[j].clear();
-            return true;
-        }
+        if (lemmas[i].empty() && i >= network.lastLevel) return;
     }
-    return false;
 }
 
-Certificate PropertyDirectedReachability::invariant() const {
+/// What holds in a frame that is the same as the next one.
+Certificate PropertyDirectedReachability::invariant(std::size_t frame) const {
     Certificate certificate;
-    for (const std::vector<Locations>& own : lemmas) {
-        for (const Locations& lemma : own) {
+    for (std::size_t i = frame; i < lemmas.size(); ++i) {
+        for (const Locations& lemma : lemmas[i]) {
             Certificate::Set& set = certificate.sets.emplace_back();
             for (auto l = lemma.begin(); l != lemma.end();) {
                 const uint a = network.locations[*l].automaton;

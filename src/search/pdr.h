@@ -11,7 +11,10 @@
 //  - if two frames in a row are the same, their lemmas are an inductive invariant: they hold in all
 //    states that are ever reached.
 //
-// While a question is met in some state of the last frame, that state is an obligation: it and its
+// The frames are of the network, whatever is asked: what was learned for one question is there for
+// the others. Each question has a frame of its own up to which it is known not to be met.
+//
+// While a question is met in some state of its frame, that state is an obligation: it and its
 // predecessors are blocked, one action at a time. Either a predecessor is the initial state, which
 // gives a path, or a cube has no predecessor in the frame before, which gives a lemma: it is
 // generalized to exclude as many more states as it can.
@@ -52,7 +55,7 @@ public:
 
     [[nodiscard]] std::int64_t cost() const override { return spent; }
     /// Questions without a path; where a proof is asked for, also those whose lengths are refuted.
-    [[nodiscard]] Questions open(const Board& board) const override;
+    [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
     void turn(Board& board, const Questions& open, bool alone) override;
 
 private:
@@ -79,16 +82,16 @@ private:
     [[nodiscard]] Solver::Verdict predecessor(std::size_t frame, const Locations& cube);
     [[nodiscard]] bool inductive(const Locations& lemma, std::size_t frame);
 
-    [[nodiscard]] bool begin(Board& board, const Questions& asked);
+    [[nodiscard]] bool begin(Board& board);
     [[nodiscard]] Locations cubeOf(const Condition& condition, int goal);
     [[nodiscard]] bool block();
     [[nodiscard]] Locations preimage(const Firing& firing, const Locations& cube) const;
     [[nodiscard]] Locations generalize(const Locations& cube, std::size_t frame);
     void shrinkToCore(Locations& lemma) const;
     void keep(Locations lemma, std::size_t frame);
-    [[nodiscard]] bool propagate();
+    void propagate();
     [[nodiscard]] Run path() const;
-    [[nodiscard]] Certificate invariant() const;
+    [[nodiscard]] Certificate invariant(std::size_t frame) const;
 
     /// In the state that a step leaves, and in the one that it comes to.
     [[nodiscard]] int here(uint l) const { return unrolling->location(0, l); }
@@ -107,6 +110,7 @@ private:
     std::vector<Obligation> obligations;
     std::map<std::size_t, std::vector<std::size_t>> queue; // obligations by the frame they are in
     std::size_t question = 0;                              // whose obligations they are
+    std::vector<std::size_t> level; // of each question: the first frame that may have a state of it
     std::int64_t spent = 0;
     std::int64_t queries = 0;
 };

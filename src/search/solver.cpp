@@ -36,6 +36,7 @@ public:
     CaDiCaL::Solver solver;
     std::function<bool()> stop;
     std::int64_t conflicts = 0;
+    bool constrained = false; // the next question has a clause of its own
 };
 
 Solver::Solver() : library(std::make_unique<Library>()) {}
@@ -62,17 +63,22 @@ void Solver::add(std::initializer_list<int> clause) {
 void Solver::assume(int literal) { library->solver.assume(literal); }
 
 void Solver::constrain(std::span<const int> clause) {
+    library->constrained = true;
     for (const int literal : clause) library->solver.constrain(literal);
     library->solver.constrain(0);
 }
 
 Solver::Verdict Solver::solve(int conflicts) {
     library->solver.limit("conflicts", conflicts);
-    switch (library->solver.solve()) {
-    case 10: return Verdict::satisfiable;
-    case 20: return Verdict::unsatisfiable;
-    default: return Verdict::unknown;
+    const int verdict = library->solver.solve();
+    const bool constrained = std::exchange(library->constrained, false);
+    if (verdict == 10) return Verdict::satisfiable;
+    if (verdict == 20) return Verdict::unsatisfiable;
+    // The library keeps the clause of a question that it gave up, for the next one.
+    if (constrained) {
+        for (const int literal : {1, -1, 0}) library->solver.constrain(literal);
     }
+    return Verdict::unknown;
 }
 
 // Versions differ in what they tell of a negative literal.

@@ -23,8 +23,7 @@ namespace {
 
 using Distances = std::map<State, int>;
 
-int leastLength(const NetTimedModel& model, const Distances& reached,
-                const Condition& condition) {
+int leastLength(const NetTimedModel& model, const Distances& reached, const Condition& condition) {
     return least(reached, [&](const State& state) { return holds(model, condition, state); });
 }
 
@@ -108,14 +107,14 @@ std::string wrong(const Transitions& transitions, const Condition& condition, St
 /// An engine alone, or with others.
 struct Team {
     const char* name;
-    std::function<std::vector<std::unique_ptr<Engine>>(const Board&)> members;
+    std::function<Portfolio::Engines(const Board&)> members;
     bool decides; // every question about lengths
     bool shortest;
 };
 
 template <class... Made>
-std::vector<std::unique_ptr<Engine>> team(Made... made) {
-    std::vector<std::unique_ptr<Engine>> engines;
+Portfolio::Engines team(Made... made) {
+    Portfolio::Engines engines;
     (engines.push_back(std::move(made)), ...);
     return engines;
 }
@@ -152,7 +151,8 @@ TEST(Engines, agreeWithTheStates) {
         for (const Team& members : teams) {
             SCOPED_TRACE(members.name);
             Board board(network, conditions, {to});
-            Portfolio portfolio(board, members.members(board));
+            Portfolio portfolio(board, members.members(board), {},
+                                {.together = 3000, .alone = 1000});
             const auto leastOf = [&](std::size_t q) {
                 return leastLength(model, reached, board[q].condition);
             };
@@ -208,7 +208,7 @@ TEST(Engines, proveWhatIsNeverMet) {
         for (const bool alone : {true, false}) {
             Board board(network, conditions, {});
             if (alone) {
-                Portfolio(board, team(pdr(board))).run(listener);
+                Portfolio(board, team(pdr(board)), {}, {}).run(listener);
             } else {
                 Portfolio(board).run(listener);
             }
@@ -273,11 +273,11 @@ TEST(Engines, takeStepsOfTheirKind) {
     for (auto [policy, depth] : table) {
         policy.leaps = false;
         Board board(network, {allAt(4, 3)}, {depth - 1});
-        Portfolio(board, team(bmc(policy))).run({});
+        Portfolio(board, team(bmc(policy)), {}, {}).run({});
         EXPECT_FALSE(board[0].found) << depth;
         EXPECT_EQ(board[0].refuted, depth - 1);
         Board deeper(network, {allAt(4, 3)}, {depth});
-        Portfolio(deeper, team(bmc(policy))).run({});
+        Portfolio(deeper, team(bmc(policy)), {}, {}).run({});
         EXPECT_EQ(deeper[0].length(), 12) << depth;
     }
 }

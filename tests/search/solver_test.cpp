@@ -27,9 +27,25 @@ TEST(Solver, tellsValuesAndWhatFailed) {
     solver.constrain(std::vector<int>{b});
     EXPECT_EQ(solver.solve(-1), Solver::Verdict::unsatisfiable);
     EXPECT_EQ(solver.solve(-1), Solver::Verdict::satisfiable); // both were for one question
-    solver.setStop([] { return true; });
-    solver.add({a, c});
-    EXPECT_NE(solver.solve(-1), Solver::Verdict::unsatisfiable);
+
+    // That is so as well where the question was given up.
+    bool stop = true;
+    solver.setStop([&] { return stop; });
+    const int d = solver.newVariables(60);
+    for (int i = 0; i < 60; i += 3) {
+        for (const int j : {d + (i + 7) % 60, -d - (i + 11) % 60}) {
+            solver.add({d + i, j, a});
+            solver.add({-d - i - 1, -j, d + i + 2});
+        }
+    }
+    const std::vector<int> none = {-a};
+    solver.add({a, b, c});
+    solver.constrain(none);
+    solver.assume(-c);
+    ASSERT_EQ(solver.solve(-1), Solver::Verdict::unknown);
+    stop = false;
+    solver.assume(a);
+    EXPECT_EQ(solver.solve(-1), Solver::Verdict::satisfiable);
 }
 
 } // namespace tervoxal
