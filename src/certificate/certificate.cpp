@@ -23,6 +23,11 @@ public:
         return text.empty() ? "true" : text;
     }
 
+    [[nodiscard]] std::string automaton(uint a) const {
+        const auto found = names.automata.find(a);
+        return name(vocabulary.automata.named, found, names.automata.end(), a);
+    }
+
 private:
     /// The shorter of where it is and where it is not.
     [[nodiscard]] std::string expression(const Certificate::Places& places) const {
@@ -38,9 +43,7 @@ private:
 
     [[nodiscard]] std::string some(uint a, const std::vector<uint>& locations) const {
         if (locations.empty()) return "false";
-        const auto automaton = names.automata.find(a);
-        const std::string place =
-            "at(" + name(vocabulary.automata.named, automaton, names.automata.end(), a) + ", ";
+        const std::string place = "at(" + automaton(a) + ", ";
         std::string text;
         for (const uint l : locations) {
             const auto location = names.locations.find({a, l});
@@ -70,6 +73,9 @@ void showCertificate(std::ostream& out, const NetTimedModel& model, const Names&
     for (std::size_t i = 0; i < certificate.sets.size(); ++i) {
         out << i + 1 << ": " << writer.expression(certificate.sets[i]) << '\n';
     }
+    if (!certificate.alone) return;
+    out << "# not met in any state of these automata alone, whatever the others do:\n";
+    for (const uint a : *certificate.alone) out << "#     " << writer.automaton(a) << '\n';
 }
 
 } // namespace tervoxal

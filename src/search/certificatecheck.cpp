@@ -1,5 +1,6 @@
 #include "search/certificatecheck.h"
 
+#include "replay/alone.h"
 #include "search/conditionliterals.h"
 #include "search/solver.h"
 #include "search/unrolling.h"
@@ -68,10 +69,26 @@ private:
     ConditionLiterals literals;
 };
 
+std::string aloneFault(const FlatNetwork& network, const std::vector<uint>& numbers,
+                       const std::vector<const Condition*>& conditions) {
+    std::vector<uint> automata;
+    uint last = 0;
+    for (const uint a : numbers) {
+        if (a <= last) return "the automata that it names are not in ascending order";
+        if (a >= network.model.nrOfBits.size()) return "it names an automaton that is not there";
+        if (const auto index = network.automaton(a)) automata.push_back(*index);
+        last = a;
+    }
+    return metAlone(network, automata, conditions)
+               ? "what is asked may be met by the automata that it names"
+               : "";
+}
+
 } // namespace
 
 std::string certificateFault(const FlatNetwork& network, const Certificate& certificate,
                              const std::vector<const Condition*>& conditions) {
+    if (certificate.alone) return aloneFault(network, *certificate.alone, conditions);
     Checked first(network, certificate, true);
     if (first.meetsSet()) return "the initial state is in a set of states that it excludes";
     Checked any(network, certificate, false);

@@ -8,9 +8,11 @@
 #include "search/portfolio.h"
 
 #include "plain.h"
+#include "replay/alone.h"
 #include "replay/property.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
+#include "statespace/labelling.h"
 
 #include <algorithm>
 #include <array>
@@ -313,6 +315,45 @@ TEST(Certificates, areRefusedWithWhatFails) {
     for (const auto& [sets, condition, fault] : table) {
         EXPECT_EQ(certificateFault(network, {sets}, {&condition}), fault);
     }
+}
+
+TEST(Certificates, ofAutomataAloneAreSearchedOnceMore) {
+    const Counters counters(2);
+    const FlatNetwork network(counters.model);
+    const std::array<std::tuple<std::vector<uint>, Condition, const char*>, 6> table = {{
+        {{1}, allAt(1, 4), ""},
+        {{2}, allAt(1, 3), "what is asked may be met by the automata that it names"},
+        {{1, 2}, allAt(2, 3), "what is asked may be met by the automata that it names"},
+        {{2, 1}, allAt(1, 4), "the automata that it names are not in ascending order"},
+        {{0}, allAt(1, 4), "the automata that it names are not in ascending order"},
+        {{1, 3}, allAt(1, 4), "it names an automaton that is not there"},
+    }};
+    for (const auto& [automata, condition, fault] : table) {
+        EXPECT_EQ(certificateFault(network, {{}, automata}, {&condition}), fault);
+    }
+    std::array<int, 2> seen = {0, 0};
+    forEachNetwork(5, 300, 5, [&](Random& random, const NetTimedModel& model, auto asked) {
+        asked.push_back({{{Condition::Term::deadlock}}});
+        const FlatNetwork flat(model);
+        const Participation participation(flat);
+        std::vector<uint> automata;
+        for (uint a = 0; a < flat.automata.size(); ++a) {
+            if (random() % 2 == 0) automata.push_back(a);
+        }
+        StateSpace space(participation, automata);
+        while (!space.complete()) space.expand();
+        for (const Condition& condition : asked) {
+            Labelling labelling(space);
+            bool met = false;
+            for (std::size_t word = 0; 64 * word < space.size(); ++word) {
+                met = met || labelling.label(condition, word).may != 0;
+            }
+            const Condition* const only = &condition;
+            EXPECT_EQ(metAlone(flat, automata, std::span(&only, 1)), met);
+            ++seen.at(met ? 0 : 1);
+        }
+    });
+    EXPECT_GT(std::min(seen[0], seen[1]), 100);
 }
 
 TEST(Unrolling, missesEachKindOfClauses) {
