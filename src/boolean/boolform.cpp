@@ -110,6 +110,7 @@ Index nodeIndex;
 
 BoolForm::BoolForm(const BoolForm& l, const BoolForm& r, int op) : nr(0) {
     assert(op == bfCon || op == bfEqu);
+    assert(!isTrue(l) && !isTrue(r));
     nr = nodeIndex.node(Triple(op, l.nr, r.nr));
 }
 

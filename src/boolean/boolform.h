@@ -92,10 +92,10 @@ public:
     BoolForm(bool b) : nr(b ? trueNr : 0) {}
     /// The variable nr. Precondition, asserted: nr > 0. The caller keeps it at most maxVariable.
     BoolForm(int nr);
-    /// Finds or creates the node (op, l, r). Precondition, asserted: op is bfCon or bfEqu. Orders
-    /// and folds nothing, which is the part of con and equ. Other callers may break the last two
-    /// invariants of the store: their nodes have the right clauses, but it takes longer to make
-    /// them. Neither operand is true.
+    /// Finds or creates the node (op, l, r). Preconditions, asserted: op is bfCon or bfEqu, and
+    /// neither operand is true, whose number has no negative. Orders and folds nothing, which is
+    /// the part of con and equ. Other callers may break the last two invariants of the store: their
+    /// nodes have the right clauses, but it takes longer to make them.
     BoolForm(const BoolForm& l, const BoolForm& r, int op);
 
     /// Whether f is the negation of this formula, constants included.

@@ -7,8 +7,9 @@ using namespace tervoxal;
 
 namespace {
 
-int lengthOf(std::bitset<2048> bs) {
-    int bsLen = 0;
+/// Wide enough to add any shift to it.
+long lengthOf(std::bitset<2048> bs) {
+    long bsLen = 0;
     for (; bs.any(); bs >>= 1) ++bsLen;
     return bsLen;
 }
@@ -32,14 +33,15 @@ BoolFormVect::BoolFormVect(int len, int start)
 
 BoolFormVect::BoolFormVect(int len, std::bitset<2048> bs)
     : len(len), bits(static_cast<std::size_t>(len), BoolForm(false)) {
-    const int bsLen = lengthOf(bs);
+    const long bsLen = lengthOf(bs);
     assert(bsLen <= len);
     setBits(bs, 0);
 }
 
 BoolFormVect::BoolFormVect(int len, std::bitset<2048> bs, int shift)
     : len(len), bits(static_cast<std::size_t>(len), BoolForm(false)) {
-    const int bsLen = lengthOf(bs);
+    const long bsLen = lengthOf(bs);
+    assert(shift >= 0);
     assert(bsLen + shift <= len);
     setBits(bs, shift);
 }
@@ -88,7 +90,7 @@ BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2) {
 BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2, int from, int count) {
     assert(a1.len == a2.len);
     BoolForm r(true);
-    for (int i = from; i < from + count; ++i) r = con(r, equ(a1[i], a2[i]));
+    for (int i = from; count > 0; ++i, --count) r = con(r, equ(a1[i], a2[i]));
     return r;
 }
 

@@ -22,8 +22,8 @@ public:
     BoolFormVect(int len, int start);
     /// The constant bs. Precondition, asserted: the highest set bit of bs lies below len.
     BoolFormVect(int len, std::bitset<2048> bs);
-    /// The constant bs times 2 to the power shift, which is 0 or more. Precondition, asserted: the
-    /// length of bs up to its highest set bit plus shift is at most len.
+    /// The constant bs times 2 to the power shift. Preconditions, asserted: shift is 0 or more, and
+    /// the length of bs up to its highest set bit plus shift is at most len.
     BoolFormVect(int len, std::bitset<2048> bs, int shift);
     BoolFormVect(const BoolFormVect& v) = default;
     /// The concatenation: a supplies the high bits, b the low ones.
@@ -75,7 +75,8 @@ private:
 // Relations of two vectors. Precondition, asserted: equal lengths.
 
 [[nodiscard]] BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2);
-/// Equality on the count indices from `from` upward, which the caller keeps within the vectors.
+/// Equality on the count indices from `from` upward. Precondition, asserted at the first that does
+/// not: they lie within the vectors.
 [[nodiscard]] BoolForm eq(const BoolFormVect& a1, const BoolFormVect& a2, int from, int count);
 /// Builds a chain of equalities for each index, so the nodes grow with the square of the length.
 [[nodiscard]] BoolForm gt(const BoolFormVect& a1, const BoolFormVect& a2);

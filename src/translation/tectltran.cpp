@@ -68,7 +68,7 @@ const SymState& EctlTransl::state(int i) const {
 
 BoolForm EctlTransl::symbPath() {
     assert((k + 1L) * model.totalNrVertBits <= mostVariables);
-    const auto positions = static_cast<int>(std::min<long>(k + 1L, BoolForm::maxVariable));
+    const auto positions = static_cast<int>(std::min<long>(k + 1L, mostKept));
     states.reserve(states.size() + static_cast<std::size_t>(positions));
     for (int i = 0; i < positions; ++i) states.push_back(genSymState(i));
 

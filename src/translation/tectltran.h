@@ -22,7 +22,8 @@ public:
     /// The state of position i, not yet in states.
     [[nodiscard]] SymState genSymState(int i) const;
 
-    /// Fills states and returns the path formula: the initial state and k steps. Runs once.
+    /// Fills states with k + 1 entries, or with mostKept if that is fewer, and returns the path
+    /// formula: the initial state and k steps. Runs once.
     /// Precondition, asserted: (k + 1) * B <= 999999.
     [[nodiscard]] BoolForm symbPath();
 
@@ -46,9 +47,11 @@ public:
 
     int k; // steps
     const NetTimedModel& model;
-    /// One entry for each position, from symbPath on. Without bits all states are equal and k has
-    /// no limit: then no more than a million of them are kept.
+    /// One entry for each position, from symbPath on. Only without bits can there be more positions
+    /// than mostKept: the variables limit no such path, but memory would, 40 bytes for each entry.
+    /// All its states are equal, so the last entry stands for those of all positions after it.
     std::vector<SymState> states;
+    static constexpr int mostKept = BoolForm::maxVariable;
 
 private:
     [[nodiscard]] const SymState& state(int i) const;

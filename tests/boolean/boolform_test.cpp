@@ -178,6 +178,8 @@ TEST(StoreDeathTest, assertsItsPreconditions) {
     const BoolForm x(1);
     EXPECT_DEATH((void)BoolForm(0), "boolform.*BoolForm::BoolForm\\(int\\).*nr > 0");
     EXPECT_DEATH((void)BoolForm(x, x, 3), "boolform.*op == bfCon \\|\\| op == bfEqu");
+    EXPECT_DEATH((void)BoolForm(true, x, bfEqu), "boolform.*isTrue");
+    EXPECT_DEATH((void)BoolForm(x, true, bfCon), "boolform.*isTrue");
     BoolForm::maxNr = std::numeric_limits<int>::max();
     EXPECT_DEATH((void)con(x, BoolForm(2)), "boolform.*maxNr");
 }

@@ -102,6 +102,10 @@ TEST(Vectors, assertTheirPreconditions) {
     const std::pair<const char*, std::function<void()>> rows[] = {
         {"boolformvect.*bsLen <= len", [] { (void)Vector(0, Bits(1)); }},
         {"boolformvect.*bsLen \\+ shift <= len", [] { (void)Vector(2, Bits(1), 2); }},
+        {"bsLen \\+ shift <= len", [] { (void)Vector(4, Bits(1), 2147483647); }},
+        {"shift >= 0", [] { (void)Vector(4, Bits(1), -1); }},
+        {"i >= 0 && i < len", [&] { (void)eq(two, two, 1, 2147483647); }},
+        {"i >= 0 && i < len", [&] { (void)eq(two, two, 2147483647, 1); }},
         {"BoolFormVect::operator\\[\\]\\(int\\) const.*i >= 0 && i < len", [&] { (void)two[2]; }},
         {"i >= 0 && i < len", [&] { (void)two[-1]; }},
         {"i >= 0 && i < len", [] { (void)(Vector() + Vector()); }},

@@ -41,6 +41,19 @@ TEST(Translation, ofListsAndTrees) {
                 "^formula: an operator finds too few operands\n$");
 }
 
+// Without bits the variables limit no path. So many states would not fit into memory.
+TEST(Translation, keepsAMillionStatesOfALongerPath) {
+    const Scratch dir;
+    dir.write("still.in", "network\na\nlocation 0\nend\ntransition 0 0 1\nend\n"
+                          "valuation\n0 1\nend\nend\nend\n");
+    NetTimedModel model;
+    read(model, dir.path / "still");
+    EctlTransl t(model, 2147483647);
+    EXPECT_EQ(t.symbPath(), BoolForm(true));
+    EXPECT_EQ(t.states.size(), 1000000U);
+    EXPECT_EQ(t.transl(EctlForm("p1"), 2147483647), t.transl(EctlForm("p1"), 0));
+}
+
 } // namespace
 
 } // namespace tervoxal
