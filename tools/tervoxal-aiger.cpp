@@ -3,6 +3,7 @@
 
 #include "boolean/aiger.h"
 #include "model/names.h"
+#include "query/grammar.h"
 #include "query/question.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -25,9 +26,10 @@ int main(int argc, char* argv[]) {
         {{"ask", "EXPRESSION", "the question with names, in place of FormulaFile"},
          {"ascii", "", "write the text form of the format (.aag), not the binary one"}},
         1,
-        2};
+        2,
+        "EXPRESSION:\n" + grammarHelp(Grammar::whole)};
     const CommandLine line(command, argc, argv);
-    line.expect(line.has("ask") ? 1 : 2);
+    expectOneQuestion(line);
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));

@@ -2,6 +2,7 @@
 
 #include "model/names.h"
 #include "query/expression.h"
+#include "query/grammar.h"
 #include "query/vocabulary.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -19,23 +20,10 @@ int main(int argc, char* argv[]) {
     const Command command{
         "tervoxal-formula",
         "NetworkFile EXPRESSION",
-        "Prints the line of a formula file that means the same as EXPRESSION in the "
-        "network\n"
+        "Prints the line of a formula file that means the same as EXPRESSION in the network\n"
         "NetworkFile.in. With - for EXPRESSION it is read from standard input.\n"
-        "\n"
-        "  !a            not a\n"
-        "  a & b         a and b\n"
-        "  a | b         a or b\n"
-        "  a -> b        a implies b; a -> b -> c is a -> (b -> c)\n"
-        "  (a)           brackets\n"
-        "  true, false   the constants\n"
-        "  name          the proposition that the network names so\n"
-        "  \"a name\"      likewise, if the name holds blanks, operators or "
-        "brackets;\n"
-        "                \\\" and \\\\ stand for \" and \\ in it\n"
-        "  p12           proposition 12\n"
-        "\n"
-        "! binds strongest, then &, |, ->.\n",
+        "\n" +
+            grammarHelp(Grammar::ofFormulas),
         {},
         2,
         2};

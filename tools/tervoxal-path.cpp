@@ -5,6 +5,7 @@
 #include "model/names.h"
 #include "programs/solveranswer.h"
 #include "programs/witness.h"
+#include "query/grammar.h"
 #include "query/question.h"
 #include "replay/path.h"
 #include "replay/sidefile.h"
@@ -52,7 +53,8 @@ const Command command{
       "with dot, draw all automata; by default those that take part in a step or that\n"
       "the formula speaks of"}},
     1,
-    4};
+    4,
+    "EXPRESSION:\n" + grammarHelp(Grammar::whole)};
 
 /// A path of a solver, or the status where it tells none.
 struct Found {
@@ -122,7 +124,8 @@ int main(int argc, char* argv[]) {
     if (show == nullptr) line.misused("unknown format '" + format + "'");
     const bool witness = line.has("witness");
     if (line.has("ask") && !witness) line.misused("--ask needs --witness");
-    if (witness || line.operands.size() < 3) line.expect(line.has("ask") ? 1 : witness ? 2 : 3);
+    if (witness) expectOneQuestion(line);
+    if (!witness && line.operands.size() < 3) line.expect(3);
     const std::string network = inputName(line.operands[0]);
 
     NetTimedModel model;

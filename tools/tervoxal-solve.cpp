@@ -3,6 +3,7 @@
 #include "certificate/certificate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
+#include "query/grammar.h"
 #include "query/question.h"
 #include "report/answers.h"
 #include "report/progress.h"
@@ -45,9 +46,11 @@ const Command command{
     "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 "
     "no\n"
     "answer in time; 1 an error. Of many questions: 10 a path to one; 20 none to any.\n",
-    {{"ask", "EXPRESSION", "a question with names, as tervoxal-formula takes it"},
+    {{"ask", "EXPRESSION", "a question with names; as often as there are questions"},
      {"deadlock", "", "the same as --ask=deadlock"},
-     {"questions", "FILE", "many at once, NAME: EXPRESSION in each line; prints a table"},
+     {"questions", "FILE",
+      "many at once, NAME: EXPRESSION in each line; - is standard input; prints a\ntable, as for "
+      "several --ask"},
      {"actions", "", "whether each action is ever possible; prints a table"},
      {"paths", "DIRECTORY", "write the paths of a table there"},
      {"any", "", "stop at the first path, which need not be the shortest"},
@@ -61,7 +64,8 @@ const Command command{
       "the whole table"},
      {"all", "", "with dot, draw all automata"}},
     2,
-    3};
+    3,
+    "EXPRESSION:\n" + grammarHelp(Grammar::whole)};
 
 /// What the call asks for.
 struct Call {
@@ -82,8 +86,13 @@ Call::Call(const CommandLine& line) {
     const auto ways = std::ranges::count_if(instead, [&](auto option) { return line.has(option); });
     if (ways > 1) line.misused("one of --ask, --deadlock, --questions and --actions at a time");
     formulaFile = ways == 0;
+    const bool length = line.operands.back().find_first_not_of("0123456789") == std::string::npos;
+    if (formulaFile && line.operands.size() == 2 && length) {
+        line.misused("the question is missing: FormulaFile, --ask, --deadlock, --questions or "
+                     "--actions");
+    }
     line.expect(formulaFile ? 3 : 2);
-    many = line.has("questions") || line.has("actions");
+    many = line.has("questions") || line.has("actions") || line.all("ask").size() > 1;
     asked.lengths.to =
         static_cast<int>(line.numberIn(line.operands.back(), "PathLen", 0, greatestPathLength));
     asked.lengths.any = line.has("any");
@@ -96,7 +105,7 @@ Call::Call(const CommandLine& line) {
     if (show == nullptr) {
         line.misused("--format needs text, json, vcd or dot, not '" + format + "'");
     }
-    if (line.has("paths") && !many) line.misused("--paths needs --questions or --actions");
+    if (line.has("paths") && !many) line.misused("--paths needs several questions");
     if (many && (format == "vcd" || format == "dot") && !line.has("paths")) {
         line.misused("--format=" + format + " of many questions needs --paths");
     }
@@ -109,6 +118,7 @@ std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& 
     if (line.has("deadlock")) return {expressionQuestion(model, names, "deadlock")};
     if (line.has("actions")) return actionQuestions(model, names);
     if (line.has("questions")) return readQuestions(model, names, line.value("questions", ""));
+    if (line.has("ask")) return expressionQuestions(model, names, line.all("ask"));
     return {askedQuestion(model, names, line)};
 }
 
@@ -118,7 +128,11 @@ void show(const Call& call, const Answers& answers) {
     if (outcome.kind != Outcome::Kind::path || !answers.settled(0)) {
         std::cerr << outcome.full() << '\n';
     }
-    answers.showPath(std::cout, 0, call.show);
+    if (call.format == "json") {
+        answers.showJsonAnswer(std::cout, 0);
+    } else {
+        answers.showPath(std::cout, 0, call.show);
+    }
 }
 
 void showMany(const CommandLine& line, const Call& call, const Answers& answers) {

@@ -50,9 +50,31 @@ private:
 
 Question expressionQuestion(const NetTimedModel& model, const Names& names,
                             const std::string& text) {
-    auto [condition, warnings] = Asker(model, names).ask(text, "");
-    for (const std::string& warning : warnings) std::cerr << "warning: " << warning << '\n';
-    return {text, text, std::move(condition)};
+    return expressionQuestions(model, names, {text}).front();
+}
+
+std::vector<Question> expressionQuestions(const NetTimedModel& model, const Names& names,
+                                          const std::vector<std::string>& texts) {
+    const Asker asker(model, names);
+    std::vector<Question> questions;
+    std::set<std::string> asked;
+    for (const std::string& text : texts) {
+        const std::string where = texts.size() > 1 ? inQuotes(text) + ": " : "";
+        if (!asked.insert(text).second) error(where + "asked twice");
+        auto [condition, warnings] = asker.ask(text, where);
+        for (const std::string& warning : warnings)
+            std::cerr << where << "warning: " << warning << '\n';
+        questions.push_back({text, text, std::move(condition)});
+    }
+    return questions;
+}
+
+void expectOneQuestion(const CommandLine& line) {
+    if (line.all("ask").size() > 1) line.misused("one --ask at a time");
+    if (!line.has("ask") && line.operands.size() == 1) {
+        line.misused("the question is missing: FormulaFile or --ask");
+    }
+    line.expect(line.has("ask") ? 1 : 2);
 }
 
 Question askedQuestion(const NetTimedModel& model, const Names& names, const CommandLine& line) {
@@ -64,13 +86,16 @@ Question askedQuestion(const NetTimedModel& model, const Names& names, const Com
 std::vector<Question> readQuestions(const NetTimedModel& model, const Names& names,
                                     const std::string& file) {
     const Asker asker(model, names);
-    std::ifstream in = openInput(file);
+    const bool standard = file == "-";
+    const std::string shown = standard ? "standard input" : file;
+    std::ifstream opened;
+    if (!standard) opened = openInput(file);
     std::vector<Question> questions;
     std::map<std::string, long> known; // the lines of the names
     Diagnostics findings;
-    for (Lines lines(in); lines.next();) {
+    for (Lines lines(standard ? std::cin : opened, shown); lines.next();) {
         if (trimmed(lines.text).empty()) continue;
-        const std::string where = file + ':' + std::to_string(lines.number) + ": error: ";
+        const std::string where = shown + ':' + std::to_string(lines.number) + ": error: ";
         const std::size_t colon = lines.text.find(':');
         std::string name(trimmed(std::string_view(lines.text).substr(0, colon)));
         if (colon == std::string::npos || name.empty()) error(where + "NAME: EXPRESSION expected");
@@ -85,8 +110,8 @@ std::vector<Question> readQuestions(const NetTimedModel& model, const Names& nam
         for (const std::string& warning : warnings) findings.warn(lines.number, warning);
         questions.push_back({std::move(name), std::string(trimmed(text)), std::move(condition)});
     }
-    if (questions.empty()) error(file + ": there is no question");
-    findings.show(std::cerr, file);
+    if (questions.empty()) error(shown + ": there is no question");
+    findings.show(std::cerr, shown);
     return questions;
 }
 

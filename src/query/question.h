@@ -22,16 +22,24 @@ struct Question {
 /// Ends the process like expressionOf.
 [[nodiscard]] Question expressionQuestion(const NetTimedModel& model, const Names& names,
                                           const std::string& text);
+/// Likewise the questions of several expressions. Where there is more than one, what is told of one
+/// begins with it. Ends the process with status 1 and one line on standard error where one is asked
+/// twice.
+[[nodiscard]] std::vector<Question> expressionQuestions(const NetTimedModel& model,
+                                                        const Names& names,
+                                                        const std::vector<std::string>& texts);
 
-/// The one question of a call that has an option --ask: its expression, or else the formula file
-/// that the second operand names, as readAskedFormula reads it.
+/// Ends the process like a bad call unless it asks one question about the network that its first
+/// operand names: with --ask, or else with a formula file as its second operand.
+void expectOneQuestion(const CommandLine& line);
+/// The question of such a call: the expression, or the formula as readAskedFormula reads it.
 [[nodiscard]] Question askedQuestion(const NetTimedModel& model, const Names& names,
                                      const CommandLine& line);
 
-/// The questions of a file: `NAME: EXPRESSION` in each significant line that is not blank. What can
-/// hardly be meant is told likewise, with the line. Ends the process with status 1 and one line on
-/// standard error, where the file cannot be read or holds no question, at a line that is none, at
-/// the second question of a name, and like expressionOf.
+/// The questions of a file, or of standard input for "-": `NAME: EXPRESSION` in each significant
+/// line that is not blank. What can hardly be meant is told likewise, with the line. Ends the
+/// process with status 1 and one line on standard error, where the file cannot be read or holds no
+/// question, at a line that is none, at the second question of a name, and like expressionOf.
 [[nodiscard]] std::vector<Question> readQuestions(const NetTimedModel& model, const Names& names,
                                                   const std::string& file);
 

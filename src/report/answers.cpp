@@ -44,6 +44,11 @@ std::string_view word(Outcome::Kind kind) {
     return "open";
 }
 
+void showJsonVerdict(std::ostream& out, const Outcome& outcome) {
+    out << R"("answer":")" << word(outcome.kind) << R"(","verdict":)"
+        << jsonString(outcome.brief());
+}
+
 } // namespace
 
 Answers::Answers(const NetTimedModel& model, const Asked& asked, const Names& names)
@@ -86,10 +91,9 @@ void Answers::showJson(std::ostream& out) const {
     out << ",\n\"questions\":[";
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
         const Question& question = asked.questions[q];
-        const Outcome answer = outcome(q);
         out << (q == 0 ? "" : ",") << "\n{\"name\":" << jsonString(question.name)
-            << R"(,"expression":)" << jsonString(question.text) << R"(,"answer":")"
-            << word(answer.kind) << R"(","verdict":)" << jsonString(answer.brief());
+            << R"(,"expression":)" << jsonString(question.text) << ',';
+        showJsonVerdict(out, outcome(q));
         withPath(q, [&](const Walk& walk) {
             out << ",\"k\":" << walk.length() << ',';
             showJsonPositions(out, walk);
@@ -97,6 +101,22 @@ void Answers::showJson(std::ostream& out) const {
         out << '}';
     }
     out << "]}\n";
+}
+
+void Answers::showJsonAnswer(std::ostream& out, std::size_t question) const {
+    out << "{\"network\":" << jsonString(asked.network)
+        << ",\n\"formula\":" << jsonString(asked.questions[question].text) << ",\n";
+    showJsonVerdict(out, outcome(question));
+    if (outcome(question).kind == Outcome::Kind::path) {
+        out << ",\n\"k\":" << all[question].path->k;
+    }
+    out << ",\n";
+    showJsonNetwork(out, transitions.model, names);
+    withPath(question, [&](const Walk& walk) {
+        out << ",\n";
+        showJsonPositions(out, walk);
+    });
+    out << "}\n";
 }
 
 void Answers::showPath(std::ostream& out, std::size_t question, Show show) const {

@@ -44,6 +44,8 @@ public:
     void showTable(std::ostream& out) const;
     /// One JSON object (RFC 8259) with all verdicts and paths.
     void showJson(std::ostream& out) const;
+    /// One such object for one question, whatever its answer is.
+    void showJsonAnswer(std::ostream& out, std::size_t question) const;
     /// The path that is the answer to a question. Ends the process like replay.
     void showPath(std::ostream& out, std::size_t question, Show show) const;
     /// Writes each path into the directory, as a file with the name of its question. A slash, a

@@ -39,6 +39,7 @@ void showHelp(const Command& command, const std::vector<Option>& options) {
         }
         std::cout << '\n';
     }
+    if (!command.notes.empty()) std::cout << '\n' << command.notes;
 }
 
 } // namespace
@@ -65,7 +66,8 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
             continue;
         }
         if (found != 0) error(hint());
-        values[options[static_cast<std::size_t>(index)].name] = optarg == nullptr ? "" : optarg;
+        values[options[static_cast<std::size_t>(index)].name].emplace_back(
+            optarg == nullptr ? "" : optarg);
     }
     if (has("help")) {
         showHelp(command, options);
@@ -88,7 +90,12 @@ void CommandLine::expect(std::size_t number) const {
 
 std::string CommandLine::value(const std::string& option, const std::string& otherwise) const {
     const auto found = values.find(option);
-    return found == values.end() ? otherwise : found->second;
+    return found == values.end() ? otherwise : found->second.back();
+}
+
+std::vector<std::string> CommandLine::all(const std::string& option) const {
+    const auto found = values.find(option);
+    return found == values.end() ? std::vector<std::string>() : found->second;
 }
 
 long CommandLine::number(const std::string& option, long least, long most, long otherwise) const {

@@ -24,8 +24,9 @@ struct Command {
     std::string operands; // as the usage line shows them
     std::string about;    // the help's text between usage and options, ending in a newline
     std::vector<Option> options;
-    int least; // operands
-    int most;  // operands; -1: any number
+    int least;           // operands
+    int most;            // operands; -1: any number
+    std::string notes{}; // what the help tells after the options, ending in a newline
 };
 
 /// The arguments of one call.
@@ -40,6 +41,8 @@ public:
     [[nodiscard]] bool has(const std::string& option) const { return values.contains(option); }
     /// The value given last, or `otherwise` if the option is not there.
     [[nodiscard]] std::string value(const std::string& option, const std::string& otherwise) const;
+    /// All values, in the order in which they were given.
+    [[nodiscard]] std::vector<std::string> all(const std::string& option) const;
     /// The value as a number from least to most; another value ends the process like a bad call.
     [[nodiscard]] long number(const std::string& option, long least, long most,
                               long otherwise) const;
@@ -58,7 +61,7 @@ private:
     [[nodiscard]] std::string hint() const;
 
     std::string name;
-    std::map<std::string, std::string> values;
+    std::map<std::string, std::vector<std::string>> values;
 };
 
 /// Flushes standard output and gives the status back. Ends the process with status 1 and a line on

@@ -1,9 +1,12 @@
 #include "query/expression.h"
 
+#include "query/grammar.h"
+
 #include <array>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -96,6 +99,24 @@ TEST(Expression, meansTheSameAsConditionAndInPostfix) {
         ASSERT_EQ(valueOf(conditionOf(EctlForm(postfix)), Where()), text.states)
             << text.text << '\n'
             << postfix;
+    }
+}
+
+TEST(Expression, takesTheFormsOfTheHelp) {
+    const Vocabulary things = {{{"a", {1}}, {"b", {2}}, {"name", {3}}, {"a name", {4}}},
+                               {{{"x", {5}}}, {5}},
+                               {{{"a", {6}}}, {6}},
+                               {{6, {{{"l", {7}}}, {7}}}}};
+    for (const Grammar grammar : {Grammar::ofFormulas, Grammar::whole}) {
+        std::istringstream help(grammarHelp(grammar));
+        int formsBeyond = 0;
+        for (std::string line; std::getline(help, line) && !line.empty();) {
+            std::string form = line.substr(2, line.find("  ", 2) - 2);
+            if (form.empty()) continue;
+            if (form == "true, false") form = "true & false";
+            formsBeyond += expressionOf(form, things).beyondFormula.empty() ? 0 : 1;
+        }
+        EXPECT_EQ(formsBeyond > 0, grammar == Grammar::whole);
     }
 }
 

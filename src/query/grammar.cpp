@@ -1,0 +1,49 @@
+#include "query/grammar.h"
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+namespace tervoxal {
+
+namespace {
+
+/// What an expression can be. A meaning goes on in a row without a form.
+struct Form {
+    Grammar least; // that has it
+    std::string_view text;
+    std::string_view meaning;
+};
+
+constexpr std::array<Form, 13> forms = {
+    {{Grammar::ofFormulas, "!a", "not a"},
+     {Grammar::ofFormulas, "a & b", "a and b"},
+     {Grammar::ofFormulas, "a | b", "a or b"},
+     {Grammar::ofFormulas, "a -> b", "a implies b; a -> b -> c is a -> (b -> c)"},
+     {Grammar::ofFormulas, "(a)", "brackets"},
+     {Grammar::ofFormulas, "true, false", "the constants"},
+     {Grammar::ofFormulas, "name", "the proposition that the network names so"},
+     {Grammar::ofFormulas, "p12", "proposition 12"},
+     {Grammar::whole, "deadlock", "no action is possible"},
+     {Grammar::whole, "enabled(x)", "the action of that name or number is possible"},
+     {Grammar::whole, "at(a, l)", "automaton a is in its location l, by names or numbers"},
+     {Grammar::ofFormulas, "\"a name\"", "any name that holds blanks, operators or brackets;"},
+     {Grammar::ofFormulas, "", "\\\" and \\\\ stand for \" and \\ in it"}}};
+
+} // namespace
+
+std::string grammarHelp(Grammar grammar) {
+    constexpr std::size_t width = 13;
+    std::string help;
+    for (const Form& form : forms) {
+        if (form.least > grammar) continue;
+        help += "  ";
+        help += form.text;
+        help.append(width - form.text.size(), ' ');
+        help += form.meaning;
+        help += '\n';
+    }
+    return help + "\n! binds strongest, then &, |, ->.\n";
+}
+
+} // namespace tervoxal

@@ -1,0 +1,15 @@
+// The grammar of expressions as the help of the commands tells it.
+
+#pragma once
+
+#include <string>
+
+namespace tervoxal {
+
+/// Who takes an expression: with what formula files can say alone, or all of it.
+enum class Grammar { ofFormulas, whole };
+
+/// A line for each form, then the precedence, ending in a newline.
+[[nodiscard]] std::string grammarHelp(Grammar grammar);
+
+} // namespace tervoxal
