@@ -34,7 +34,8 @@ install() {
 # shellcheck disable=SC2034 # not each script uses each
 toolchain=('g++=g++' 'cmake=cmake' 'ninja=ninja-build' 'free=procps')
 for_import=('/usr/include/expat.h=libexpat1-dev')
-for_companions=("${for_import[@]}" '/usr/include/cadical.hpp=libcadical-dev')
+for_companions=("${for_import[@]}" '/usr/include/cadical.hpp=libcadical-dev'
+    '/usr/include/coin/Clp_C_Interface.h=coinor-libclp-dev')
 # shellcheck disable=SC2034
 for_tests=("${for_companions[@]}" '/usr/include/gtest/gtest.h=libgtest-dev' 'minisat=minisat' 'cadical=cadical')
 install_toolchain() { install "${toolchain[@]}"; }

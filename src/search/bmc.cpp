@@ -36,6 +36,7 @@ struct BoundedModelChecking::Unrolled {
     Solver solver;
     Unrolling unrolling;
     ConditionLiterals literals;
+    std::size_t facts = 0; // of the board, told so far
 };
 
 BoundedModelChecking::BoundedModelChecking(const Policy& policy)
@@ -95,6 +96,15 @@ void BoundedModelChecking::climb(Board& board, const Questions& open, bool alone
     }
 }
 
+/// What holds always, as far as it is new.
+void BoundedModelChecking::learn(const Board& board) {
+    const std::int64_t before = unrolled->unrolling.size();
+    for (; unrolled->facts < board.facts().size(); ++unrolled->facts) {
+        unrolled->unrolling.always(board.facts()[unrolled->facts].locations);
+    }
+    spent += unrolled->unrolling.size() - before;
+}
+
 /// False if it was stopped before that.
 bool BoundedModelChecking::advance(const Board& board, int depth) {
     while (unrolled->unrolling.depth() < depth) {
@@ -109,8 +119,11 @@ bool BoundedModelChecking::advance(const Board& board, int depth) {
 /// Whether one of the questions is met at the depth; tells the board what comes out of it.
 Solver::Verdict BoundedModelChecking::ask(Board& board, int depth, const Questions& open,
                                           int conflicts) {
+    learn(board);
     if (!advance(board, depth)) return Solver::Verdict::unknown;
-    auto& [solver, unrolling, literals] = *unrolled;
+    auto& solver = unrolled->solver;
+    auto& unrolling = unrolled->unrolling;
+    auto& literals = unrolled->literals;
     std::vector<int> goals;
     for (const std::size_t q : open) goals.push_back(literals.literal(board[q].condition, depth));
     solver.assume(literals.some(goals));

@@ -51,6 +51,7 @@ private:
     void climb(Board& board, const Questions& open, bool alone);
     Solver::Verdict ask(Board& board, int depth, const Questions& open, int conflicts);
     bool advance(const Board& board, int depth);
+    void learn(const Board& board);
 
     const Policy policy;
     std::unique_ptr<Unrolled> unrolled;

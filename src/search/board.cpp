@@ -1,5 +1,6 @@
 #include "search/board.h"
 
+#include "certificate/weightscheck.h"
 #include "search/certificatecheck.h"
 
 #include <algorithm>
@@ -18,6 +19,11 @@ bool Board::settled(std::size_t question) const {
     if (entry.unreachable || entry.refuted >= range.to) return true;
     const bool enough = entry.closed || (range.any && entry.length() <= range.to);
     return entry.found && (entry.least() || enough);
+}
+
+bool Board::undecided(std::size_t question) const {
+    const Entry& entry = entries[question];
+    return !entry.found && (proving() ? !entry.unreachable : !settled(question));
 }
 
 int Board::limit(std::size_t question) const {
@@ -58,6 +64,23 @@ std::string Board::exclude(std::span<const std::size_t> questions, const Certifi
         entries[q].unreachable = true;
         entries[q].certificate = shared;
         if (listener != nullptr && listener->unreachable) listener->unreachable(q);
+    }
+    return fault;
+}
+
+std::string Board::learn(const Certificate::Weighed& weighed) {
+    std::string fault = weightsFault(network, weighed);
+    if (!fault.empty()) return fault;
+    for (const Certificate::Set& set : weighed.sets) {
+        Fact fact{{}, {weighed.weights, {set}}};
+        for (const Certificate::Places& places : set) {
+            const auto a = network.automaton(places.automaton);
+            if (!a) continue;
+            for (const uint l : network.locationsOf(*a)) {
+                if (!places.has(network.locations[l].number)) fact.locations.push_back(l);
+            }
+        }
+        learned.push_back(std::move(fact));
     }
     return fault;
 }

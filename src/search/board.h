@@ -4,7 +4,8 @@
 // certificate is checked.
 //
 // Questions are numbered from 0, in the order of the conditions. What is known of one only grows:
-// the length up to which paths are refuted, a shorter path, that there is none of any length.
+// the length up to which paths are refuted, a shorter path, that there is none of any length. So do
+// the facts, which are of all questions.
 
 #pragma once
 
@@ -38,6 +39,12 @@ public:
         /// No shorter path meets it.
         [[nodiscard]] bool least() const { return found && refuted + 1 >= length(); }
     };
+    /// What holds in each reachable state: some automaton is in one of these locations. They are
+    /// indices of the network, ascending.
+    struct Fact {
+        std::vector<uint> locations;
+        Certificate::Weighed proof; // of one set, that of all other states
+    };
     /// What is asked of each: paths of 0 to `to` steps.
     struct Range {
         int to = 0;
@@ -64,6 +71,8 @@ public:
     [[nodiscard]] const Entry& operator[](std::size_t question) const { return entries[question]; }
     /// Whether nothing is left to find out about a question that was asked for.
     [[nodiscard]] bool settled(std::size_t question) const;
+    /// Whether it is to be found out if there is a path at all.
+    [[nodiscard]] bool undecided(std::size_t question) const;
     /// The greatest length at which a path is to be looked for: shorter than the one that is known.
     [[nodiscard]] int limit(std::size_t question) const;
     [[nodiscard]] bool stopped() const {
@@ -81,6 +90,11 @@ public:
     /// No path of any length meets the questions, if the certificate holds: gives what fails, or an
     /// empty text.
     std::string exclude(std::span<const std::size_t> questions, const Certificate& certificate);
+    /// No reachable state is in one of the sets, if the weights exclude them: gives what fails, or
+    /// an empty text.
+    std::string learn(const Certificate::Weighed& weighed);
+    /// In the order in which they were learned.
+    [[nodiscard]] std::span<const Fact> facts() const { return learned; }
 
     /// Enough was spent on a path shorter than the one that is known, unless the least is wanted.
     void close(std::size_t question);
@@ -93,6 +107,7 @@ public:
 
 private:
     std::vector<Entry> entries;
+    std::vector<Fact> learned;
     const Listener* listener = nullptr;
 };
 

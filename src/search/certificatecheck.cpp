@@ -1,5 +1,6 @@
 #include "search/certificatecheck.h"
 
+#include "certificate/weightscheck.h"
 #include "replay/alone.h"
 #include "search/conditionliterals.h"
 #include "search/solver.h"
@@ -21,12 +22,14 @@ public:
           unrolling(network, solver, Scope{StepKind::interleaving, initial}),
           literals(unrolling, solver) {}
 
-    void leaveSets() {
-        for (const int set : setsAt(0)) solver.add({-set});
+    /// From now on the last state is outside of the sets that weights exclude.
+    void leaveWeighed() {
+        for (const Certificate::Weighed& weighed : certificate.weighed) leave(weighed.sets);
     }
-    [[nodiscard]] bool meetsSet() { return possible(literals.some(setsAt(unrolling.depth()))); }
+    void leaveSets() { leave(certificate.sets); }
+    [[nodiscard]] bool meetsSet() { return possible(literals.some(literalsOf(certificate.sets))); }
     [[nodiscard]] bool meets(const Condition& condition) {
-        return possible(literals.literal(condition, 0));
+        return possible(literals.literal(condition, unrolling.depth()));
     }
     void step() { unrolling.step(); }
 
@@ -36,20 +39,23 @@ private:
         return solver.solve(-1) == Solver::Verdict::satisfiable;
     }
 
-    /// A literal for each set at the position.
-    std::vector<int> setsAt(int position) {
-        std::map<Certificate::Places, int> known;
-        std::vector<int> sets;
-        for (const Certificate::Set& set : certificate.sets) {
+    void leave(const std::vector<Certificate::Set>& sets) {
+        for (const int set : literalsOf(sets)) solver.add({-set});
+    }
+
+    /// A literal for each set at the last position.
+    std::vector<int> literalsOf(const std::vector<Certificate::Set>& sets) {
+        std::vector<int> all;
+        for (const Certificate::Set& set : sets) {
             std::vector<int> outside;
             for (const Certificate::Places& places : set) {
-                const auto [literal, first] = known.try_emplace(places, 0);
-                if (first) literal->second = placesAt(places, position);
+                const auto [literal, first] = known.try_emplace({unrolling.depth(), places}, 0);
+                if (first) literal->second = placesAt(places, unrolling.depth());
                 outside.push_back(-literal->second);
             }
-            sets.push_back(-literals.some(std::move(outside)));
+            all.push_back(-literals.some(std::move(outside)));
         }
-        return sets;
+        return all;
     }
 
     [[nodiscard]] int placesAt(const Certificate::Places& places, int position) {
@@ -67,6 +73,7 @@ private:
     Solver solver;
     Unrolling unrolling;
     ConditionLiterals literals;
+    std::map<std::pair<int, Certificate::Places>, int> known; // by position
 };
 
 std::string aloneFault(const FlatNetwork& network, const std::vector<uint>& numbers,
@@ -89,14 +96,22 @@ std::string aloneFault(const FlatNetwork& network, const std::vector<uint>& numb
 std::string certificateFault(const FlatNetwork& network, const Certificate& certificate,
                              const std::vector<const Condition*>& conditions) {
     if (certificate.alone) return aloneFault(network, *certificate.alone, conditions);
-    Checked first(network, certificate, true);
-    if (first.meetsSet()) return "the initial state is in a set of states that it excludes";
+    for (const Certificate::Weighed& weighed : certificate.weighed) {
+        std::string fault = weightsFault(network, weighed);
+        if (!fault.empty()) return fault;
+    }
+    if (!certificate.sets.empty() && Checked(network, certificate, true).meetsSet()) {
+        return "the initial state is in a set of states that it excludes";
+    }
     Checked any(network, certificate, false);
+    any.leaveWeighed();
     any.leaveSets();
     for (const Condition* condition : conditions) {
         if (any.meets(*condition)) return "what is asked holds in a state that it does not exclude";
     }
+    if (certificate.sets.empty()) return "";
     any.step();
+    any.leaveWeighed();
     if (any.meetsSet()) return "a step leads into a set of states that it excludes";
     return "";
 }

@@ -1,5 +1,6 @@
-// Whether a certificate proves what it is said to prove, asked of the solver and the steps of the
-// search, or of the network's own tables, and of nothing that has made the certificate.
+// Whether a certificate proves what it is said to prove: its weights by arithmetic, its sets asked
+// of the solver and the steps of the search, or its automata searched in the network's own tables,
+// and nothing of what has made the certificate.
 
 #pragma once
 
@@ -12,9 +13,9 @@
 
 namespace tervoxal {
 
-/// Checks the three claims of a certificate by a solver call each, the second one for each of the
-/// conditions; or searches the automata that it names once more. Gives what fails, or an empty
-/// text.
+/// Checks the four claims of a certificate: the first by plain arithmetic, the others by a solver
+/// call each, the third one for each of the conditions; or searches the automata that it names once
+/// more. Gives what fails, or an empty text.
 [[nodiscard]] std::string certificateFault(const FlatNetwork& network,
                                            const Certificate& certificate,
                                            const std::vector<const Condition*>& conditions);

@@ -1,5 +1,7 @@
 #include "search/conditionliterals.h"
 
+#include "query/atoms.h"
+
 #include <algorithm>
 #include <cstddef>
 
@@ -11,6 +13,22 @@ ConditionLiterals::ConditionLiterals(const Unrolling& unrolling, Solver& solver)
 int ConditionLiterals::literal(const Condition& condition, int position) {
     this->position = position;
     return valueOf(condition, *this);
+}
+
+std::vector<uint> ConditionLiterals::cube(const Condition& condition) {
+    const FlatNetwork& network = unrolling.network;
+    const std::vector<bool> looked = lookedAt(network, condition);
+    const auto here = [&](uint l) { return unrolling.location(0, l); };
+    std::vector<uint> cube;
+    for (uint l = 0; l < network.locations.size(); ++l) {
+        if (looked[network.locations[l].automaton] && solver.value(here(l))) cube.push_back(l);
+    }
+    solver.assume(-literal(condition, 0));
+    for (const uint l : cube) solver.assume(here(l));
+    if (solver.solve(-1) == Solver::Verdict::unsatisfiable) { // sat(cube & !P)
+        std::erase_if(cube, [&](uint l) { return !solver.failed(here(l)); });
+    }
+    return cube;
 }
 
 int ConditionLiterals::constant(bool value) const {

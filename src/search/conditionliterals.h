@@ -23,6 +23,11 @@ public:
     /// depth of the unrolling.
     [[nodiscard]] int literal(const Condition& condition, int position);
 
+    /// Locations, at most one of each automaton, such that the condition holds in all states in
+    /// them, among these that of the model at position 0. Asks the solver again. Precondition: the
+    /// last question was satisfiable under the literal of the condition there.
+    [[nodiscard]] std::vector<uint> cube(const Condition& condition);
+
     /// Literals are an algebra for conditions.
     [[nodiscard]] int constant(bool value) const;
     [[nodiscard]] int atom(const Condition::Token& token);

@@ -1,7 +1,5 @@
 #include "search/pdr.h"
 
-#include "query/atoms.h"
-
 #include <algorithm>
 #include <cassert>
 #include <limits>
@@ -15,11 +13,9 @@ PropertyDirectedReachability::PropertyDirectedReachability(const Board& board,
     : board(board), network(board.network), parameters(parameters), lemmas(1) {}
 
 Questions PropertyDirectedReachability::open(const Board& board, const Questions& among) const {
-    const bool proving = board.proving();
     Questions open;
     for (const std::size_t q : among) {
-        const bool left = proving ? !board[q].unreachable : !board.settled(q);
-        if (left && !board[q].found) open.push_back(q);
+        if (board.undecided(q)) open.push_back(q);
     }
     return open;
 }
@@ -63,15 +59,19 @@ void PropertyDirectedReachability::addLemma(const Locations& lemma, std::size_t 
 }
 
 Solver::Verdict PropertyDirectedReachability::solve() {
+    const std::int64_t conflictsBefore = solver->conflicts();
+    const Solver::Verdict verdict = solver->solve(-1);
+    count(solver->conflicts() - conflictsBefore);
+    return verdict;
+}
+
+/// One more query.
+void PropertyDirectedReachability::count(std::int64_t conflicts) {
     // A question, or a conflict, takes about as long as it takes to give the solver one of that
     // many of the literals.
     constexpr std::int64_t share = 200;
-    const std::int64_t conflictsBefore = solver->conflicts();
-    const Solver::Verdict verdict = solver->solve(-1);
-    const std::int64_t conflicts = solver->conflicts() - conflictsBefore;
     spent += (1 + conflicts) * ((unrolling->size() + givenLiterals) / share + 1);
     ++queries;
-    return verdict;
 }
 
 bool PropertyDirectedReachability::holdsInitially(const Locations& lemma) const {
@@ -145,7 +145,8 @@ bool PropertyDirectedReachability::begin(Board& board) {
     const Solver::Verdict verdict = solve(); // sat(F[frame] & P)
     if (verdict == Solver::Verdict::unknown) return false;
     if (verdict == Solver::Verdict::satisfiable) {
-        obligations.push_back({cubeOf(condition, goal), {}, 0});
+        obligations.push_back({literals->cube(condition), {}, 0});
+        count(0);
         queue[frame].push_back(0);
         if (!hasInitial(obligations[0].cube)) return false;
         queue.clear();
@@ -169,22 +170,6 @@ bool PropertyDirectedReachability::begin(Board& board) {
         static_cast<int>(std::min<std::size_t>(frame, std::numeric_limits<int>::max()));
     board.refute(std::span(&question, 1), std::min(length, board.range.to));
     return true;
-}
-
-/// States that all meet the condition, among them that of the model.
-PropertyDirectedReachability::Locations
-PropertyDirectedReachability::cubeOf(const Condition& condition, int goal) {
-    const std::vector<bool> looked = lookedAt(network, condition);
-    Locations cube;
-    for (uint l = 0; l < network.locations.size(); ++l) {
-        if (looked[network.locations[l].automaton] && solver->value(here(l))) cube.push_back(l);
-    }
-    solver->assume(-goal);
-    for (const uint l : cube) solver->assume(here(l));
-    if (solve() == Solver::Verdict::unsatisfiable) { // sat(cube & !P)
-        std::erase_if(cube, [&](uint l) { return !solver->failed(here(l)); });
-    }
-    return cube;
 }
 
 /// One step back from the obligation in the earliest frame, or a lemma that excludes it. True if

@@ -74,6 +74,7 @@ private:
     void addFrame(std::size_t frame);
     void addLemma(const Locations& lemma, std::size_t frame);
     [[nodiscard]] Solver::Verdict solve();
+    void count(std::int64_t conflicts);
 
     [[nodiscard]] bool isInitial(uint l) const { return network.locations[l].number == 0; }
     [[nodiscard]] bool holdsInitially(const Locations& lemma) const;
@@ -83,7 +84,6 @@ private:
     [[nodiscard]] bool inductive(const Locations& lemma, std::size_t frame);
 
     [[nodiscard]] bool begin(Board& board);
-    [[nodiscard]] Locations cubeOf(const Condition& condition, int goal);
     [[nodiscard]] bool block();
     [[nodiscard]] Locations preimage(const Firing& firing, const Locations& cube) const;
     [[nodiscard]] Locations generalize(const Locations& cube, std::size_t frame);

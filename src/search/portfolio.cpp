@@ -1,6 +1,7 @@
 #include "search/portfolio.h"
 
 #include "search/bmc.h"
+#include "search/markingequation.h"
 #include "search/pdr.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ constexpr std::int64_t unlimited = std::numeric_limits<std::int64_t>::max();
 
 Portfolio::Engines lastingEngines(const Board& board) {
     Portfolio::Engines engines;
+    engines.push_back(std::make_unique<MarkingEquation>());
     engines.push_back(std::make_unique<PropertyDirectedReachability>(board));
     return engines;
 }

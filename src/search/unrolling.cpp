@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <utility>
 
 namespace tervoxal {
 
@@ -69,6 +70,33 @@ void Unrolling::step() {
         give(step--, std::span(clauses.clauses).subspan(begin, end - begin));
         begin = end;
     }
+    for (const Fact& fact : facts) hold(fact, depth() - static_cast<int>(fact.distance));
+}
+
+void Unrolling::always(const std::vector<uint>& locations) {
+    Fact fact{locations, 0};
+    for (const uint l : locations) {
+        const uint distance = clauses.variable(clauses.locations[l]).distance;
+        if (distance >= clauses.stateBlocks.size()) return; // it never matters
+        fact.distance = std::max(fact.distance, distance);
+    }
+    const int last = depth() - static_cast<int>(fact.distance);
+    for (int position = 0; position <= last; ++position) hold(fact, position);
+    facts.push_back(std::move(fact));
+}
+
+/// At a position where all of the fact matters by now; none if it is negative.
+void Unrolling::hold(const Fact& fact, int position) {
+    if (position < 0) return;
+    shifted.clear();
+    for (const uint l : fact.locations) {
+        const int literal = location(position, l);
+        if (literal == verity) return;
+        if (literal != -verity) shifted.push_back(literal);
+    }
+    shifted.push_back(0);
+    given += static_cast<std::int64_t>(shifted.size());
+    solver.add(shifted);
 }
 
 /// Of a variable of the clauses, as that of a step from a position.

@@ -31,6 +31,9 @@ public:
 
     /// One more position.
     void step();
+    /// At each position, also of those to come, some automaton is in one of these locations, as far
+    /// as they can matter there. Precondition: so it is in each state that runs come to.
+    void always(const std::vector<uint>& locations);
     /// The last position.
     [[nodiscard]] int depth() const { return static_cast<int>(states.size()) - 1; }
 
@@ -60,6 +63,14 @@ private:
     [[nodiscard]] int number(int var, int step) const;
     void give(int step, std::span<const int> literals);
 
+    /// Locations of which some automaton is always in one, and how far from the last position all
+    /// of them matter.
+    struct Fact {
+        std::vector<uint> locations;
+        uint distance;
+    };
+    void hold(const Fact& fact, int position);
+
     Solver& solver;
     const Scope scope;
     const Says without;
@@ -67,6 +78,7 @@ private:
     int verity;
     std::vector<Blocks> states; // by position
     std::vector<Blocks> steps;  // by the position that they come to
+    std::vector<Fact> facts;
     std::vector<uint> starting; // locations by how far from the last position they matter
     std::size_t started = 0;    // those that are told what they are at position 0
     std::vector<int> shifted;   // the clauses at hand
