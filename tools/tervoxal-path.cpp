@@ -50,8 +50,8 @@ const Command command{
       "vcd: a waveform for GTKWave;\n"
       "dot: the network with the path on it, for Graphviz"},
      {"all", "",
-      "with dot, draw all automata; by default those that take part in a step or that\n"
-      "the formula speaks of"}},
+      "show all automata; by default text and dot leave out those that do not move and\n"
+      "that the formula does not speak of"}},
     1,
     4,
     "EXPRESSION:\n" + grammarHelp(Grammar::whole)};

@@ -62,7 +62,7 @@ const Command command{
      {"format", "FORMAT",
       "text, json, vcd or dot, as tervoxal-path writes them (text); json has\n"
       "the whole table"},
-     {"all", "", "with dot, draw all automata"}},
+     {"all", "", "show all automata, also those that stay"}},
     2,
     3,
     "EXPRESSION:\n" + grammarHelp(Grammar::whole)};

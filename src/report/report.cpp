@@ -1,8 +1,21 @@
 #include "report/report.h"
 
 #include <map>
+#include <numeric>
+#include <set>
 
 namespace tervoxal {
+
+std::vector<uint> shownAutomata(const Report& report) {
+    std::set<uint> shown = report.start.named();
+    for (Walk walk = report.start; walk.step();) {
+        for (const Change& change : walk.changes()) shown.insert(change.automaton);
+    }
+    if (!report.all && !shown.empty()) return {shown.begin(), shown.end()};
+    std::vector<uint> all(static_cast<std::size_t>(report.start.model().nrOfAutomata));
+    std::iota(all.begin(), all.end(), 1U);
+    return all;
+}
 
 Show showOf(const std::string& format) {
     const std::map<std::string, Show> formats = {

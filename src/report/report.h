@@ -9,6 +9,7 @@
 
 #include <ostream>
 #include <string>
+#include <vector>
 
 namespace tervoxal {
 
@@ -17,14 +18,19 @@ struct Report {
     const Walk& start; // at position 0
     const Names& names;
     std::string network; // what the command was called with, for the headings
-    std::string formula;
-    bool all = false; // draw also what neither the path nor the formula touches
+    std::string formula; // empty: nothing is asked, and the start's condition holds nowhere
+    bool all = false;    // show also automata that neither the path nor the formula touches
 };
+
+/// The automata that move on the path or that the condition speaks of, ascending; all where there
+/// is none of these, or all are asked for.
+[[nodiscard]] std::vector<uint> shownAutomata(const Report& report);
 
 /// Writes a report of one format.
 using Show = void (*)(std::ostream& out, const Report& report);
 
-/// One block for each step, with the states before the first and after the last.
+/// One block for each step, with the states before the first and after the last. These leave out
+/// what shownAutomata leaves out, and a line at the head tells how many.
 void showText(std::ostream& out, const Report& report);
 /// One JSON object (RFC 8259), a line for each automaton and each position.
 void showJson(std::ostream& out, const Report& report);

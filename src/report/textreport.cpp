@@ -4,6 +4,7 @@
 #include "text/readable.h"
 
 #include <string_view>
+#include <vector>
 
 namespace tervoxal {
 
@@ -18,9 +19,10 @@ std::string shownAction(uint number, const Names& names) {
 /// A line that begins a block: a star in front where the formula holds.
 std::string_view margin(const Walk& walk) { return walk.holds() ? "* " : "  "; }
 
-void showState(std::ostream& out, const Walk& walk, const Names& names) {
+void showState(std::ostream& out, const Walk& walk, const Names& names,
+               const std::vector<uint>& automata) {
     out << margin(walk) << "state " << walk.position() << '\n';
-    for (uint a = 1; a < walk.state().size(); ++a) {
+    for (const uint a : automata) {
         out << "      " << readable(names.automaton(a)) << ": "
             << readable(names.location(a, walk.state()[a])) << '\n';
     }
@@ -46,14 +48,23 @@ void showStep(std::ostream& out, const Walk& walk, const Names& names) {
 
 void showText(std::ostream& out, const Report& report) {
     const Names& names = report.names;
+    const std::vector<uint> automata = shownAutomata(report);
     Walk walk = report.start;
-    out << readable(report.network) << ", " << steps(walk.length()) << "; * marks where "
-        << readable(report.formula) << " holds\n\n";
-    showState(out, walk, names);
+    out << readable(report.network) << ", " << steps(walk.length());
+    if (!report.formula.empty()) out << "; * marks where " << readable(report.formula) << " holds";
+    out << '\n';
+    const auto all = static_cast<std::size_t>(walk.model().nrOfAutomata);
+    if (automata.size() < all) {
+        out << "left out: " << all - automata.size() << " of " << all
+            << " automata, which stay and are not asked about; --all shows them\n";
+    }
+    out << '\n';
+    showState(out, walk, names, automata);
+    if (walk.length() == 0) return;
     out << '\n';
     while (out && walk.step()) showStep(out, walk, names);
     out << '\n';
-    showState(out, walk, names);
+    showState(out, walk, names, automata);
 }
 
 } // namespace tervoxal
