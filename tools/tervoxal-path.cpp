@@ -11,6 +11,7 @@
 #include "replay/sidefile.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
+#include "replay/walkfile.h"
 #include "report/report.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -39,16 +40,21 @@ const Command command{
     "With --witness, PathLen and SolverOutput are left out: it tells the path that a model "
     "checker\n"
     "found in the circuit of 'tervoxal-aiger NetworkFile FormulaFile', and needs no side file.\n"
+    "With --walk it replays the steps that were taken by hand in a page and saved there; a "
+    "question\n"
+    "may be left out then.\n"
     "\n"
     "The exit status is 10 for a path, 20 if the solver says that there is none, 0 if the solver\n"
     "gave no answer, and 1 if anything is refused.\n",
     {{"witness", "FILE", "the AIGER witness of a model checker; - is standard input"},
-     {"ask", "EXPRESSION", "with --witness, the question in place of FormulaFile"},
+     {"walk", "FILE", "the steps that a page has saved; - is standard input"},
+     {"ask", "EXPRESSION", "with one of these, the question in place of FormulaFile"},
      {"format", "FORMAT",
       "text (the default): a block for each step;\n"
       "json: an object for other programs;\n"
       "vcd: a waveform for GTKWave;\n"
-      "dot: the network with the path on it, for Graphviz"},
+      "dot: the network with the path on it, for Graphviz;\n"
+      "html: a page for a browser, to look at and to go on by hand"},
      {"all", "",
       "show all automata; by default text and dot leave out those that do not move and\n"
       "that the formula does not speak of"}},
@@ -114,6 +120,18 @@ Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
     return {decodeChoices(model, witness.steps)};
 }
 
+Path walkPath(const CommandLine& line, const Transitions& transitions) {
+    return answerIn(line.value("walk", ""), [&](std::istream& in, const std::string& name) {
+        return readWalk(in, name, transitions);
+    });
+}
+
+/// The question of a call with --witness or --walk.
+Question otherQuestion(NetTimedModel& model, const Names& names, const CommandLine& line) {
+    if (line.has("ask") || line.operands.size() > 1) return askedQuestion(model, names, line);
+    return {"none", "", {{{Condition::Term::falsity}}}};
+}
+
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -123,22 +141,26 @@ int main(int argc, char* argv[]) {
     const Show show = showOf(format);
     if (show == nullptr) line.misused("unknown format '" + format + "'");
     const bool witness = line.has("witness");
-    if (line.has("ask") && !witness) line.misused("--ask needs --witness");
-    if (witness) expectOneQuestion(line);
-    if (!witness && line.operands.size() < 3) line.expect(3);
+    const bool taken = line.has("walk");
+    if (witness && taken) line.misused("one of --witness and --walk at a time");
+    if (line.has("ask") && !witness && !taken) line.misused("--ask needs --witness or --walk");
+    if (witness || line.has("ask") || (taken && line.operands.size() > 1)) expectOneQuestion(line);
+    if (!witness && !taken && line.operands.size() < 3) line.expect(3);
     const std::string network = inputName(line.operands[0]);
 
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, network);
-    const Question asked = witness ? askedQuestion(model, names, line)
-                                   : runQuestion(model, inputName(line.operands[1]));
-    const Found found = witness ? witnessPath(line, model) : solverPath(line, model);
+    const Question asked = witness || taken ? otherQuestion(model, names, line)
+                                            : runQuestion(model, inputName(line.operands[1]));
+    const Transitions transitions(model);
+    const Found found = taken     ? Found{walkPath(line, transitions)}
+                        : witness ? witnessPath(line, model)
+                                  : solverPath(line, model);
     if (found.status != 10) return finished(found.status);
 
-    const Transitions transitions(model);
     const Walk walk(transitions, found.path, asked.condition);
-    replay(walk, names);
-    show(std::cout, {walk, names, network, asked.text, line.has("all")});
+    if (!asked.text.empty()) replay(walk, names);
+    show(std::cout, {walk, asked.condition, names, network, asked.text, line.has("all")});
     return finished(10);
 }

@@ -60,8 +60,8 @@ const Command command{
      {"prove-time", "SECONDS", "likewise, for SECONDS at most (60)"},
      {"certificate", "FILE", "likewise, and write what the proof rests on into FILE"},
      {"format", "FORMAT",
-      "text, json, vcd or dot, as tervoxal-path writes them (text); json has\n"
-      "the whole table"},
+      "text, json, vcd, dot or html, as tervoxal-path writes them (text);\n"
+      "json has the whole table"},
      {"all", "", "show all automata, also those that stay"}},
     2,
     3,
@@ -103,10 +103,10 @@ Call::Call(const CommandLine& line) {
     format = line.value("format", "text");
     show = showOf(format);
     if (show == nullptr) {
-        line.misused("--format needs text, json, vcd or dot, not '" + format + "'");
+        line.misused("--format needs text, json, vcd, dot or html, not '" + format + "'");
     }
     if (line.has("paths") && !many) line.misused("--paths needs several questions");
-    if (many && (format == "vcd" || format == "dot") && !line.has("paths")) {
+    if (many && format != "text" && format != "json" && !line.has("paths")) {
         line.misused("--format=" + format + " of many questions needs --paths");
     }
     asked.network = inputName(line.operands[0]);

@@ -121,7 +121,8 @@ void Answers::showJsonAnswer(std::ostream& out, std::size_t question) const {
 
 void Answers::showPath(std::ostream& out, std::size_t question, Show show) const {
     withPath(question, [&](const Walk& walk) {
-        show(out, {walk, names, asked.network, asked.questions[question].text, asked.all});
+        const Question& of = asked.questions[question];
+        show(out, {walk, of.condition, names, asked.network, of.text, asked.all});
     });
 }
 
@@ -136,7 +137,8 @@ void Answers::writePaths(const std::string& directory, const std::string& suffix
         OutputFile out(file); // which removes that of an earlier call
         withPath(q, [&](const Walk& walk) {
             std::ostringstream text;
-            show(text, {walk, names, asked.network, asked.questions[q].text, asked.all});
+            const Question& of = asked.questions[q];
+            show(text, {walk, of.condition, names, asked.network, of.text, asked.all});
             out.write(text.view());
             if (!out.close()) error("cannot write " + file);
         });

@@ -9,17 +9,6 @@ namespace tervoxal {
 
 namespace {
 
-/// The comma before all elements but the first one.
-class Separator {
-public:
-    explicit Separator(std::string_view between) : between(between) {}
-    std::string_view next() { return first ? first = false, "" : between; }
-
-private:
-    std::string_view between;
-    bool first = true;
-};
-
 void showPosition(std::ostream& out, const Walk& walk) {
     out << "{\"position\":" << walk.position();
     if (walk.position() > 0) {

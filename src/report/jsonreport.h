@@ -8,8 +8,20 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 
 namespace tervoxal {
+
+/// What stands between two elements: nothing before the first one.
+class Separator {
+public:
+    explicit Separator(std::string_view between) : between(between) {}
+    std::string_view next() { return first ? first = false, "" : between; }
+
+private:
+    std::string_view between;
+    bool first = true;
+};
 
 /// A JSON string.
 [[nodiscard]] std::string jsonString(const std::string& text);

@@ -18,8 +18,11 @@ std::vector<uint> shownAutomata(const Report& report) {
 }
 
 Show showOf(const std::string& format) {
-    const std::map<std::string, Show> formats = {
-        {"text", showText}, {"json", showJson}, {"vcd", showVcd}, {"dot", showDot}};
+    const std::map<std::string, Show> formats = {{"text", showText},
+                                                 {"json", showJson},
+                                                 {"vcd", showVcd},
+                                                 {"dot", showDot},
+                                                 {"html", showPage}};
     const auto found = formats.find(format);
     return found == formats.end() ? nullptr : found->second;
 }

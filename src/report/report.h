@@ -5,6 +5,7 @@
 #pragma once
 
 #include "model/names.h"
+#include "query/condition.h"
 #include "replay/walk.h"
 
 #include <ostream>
@@ -16,6 +17,7 @@ namespace tervoxal {
 /// What is shown of a path.
 struct Report {
     const Walk& start; // at position 0
+    const Condition& condition;
     const Names& names;
     std::string network; // what the command was called with, for the headings
     std::string formula; // empty: nothing is asked, and the start's condition holds nowhere
@@ -40,7 +42,10 @@ void showVcd(std::ostream& out, const Report& report);
 /// that the condition does not speak of are left out, and counted, unless all are asked for.
 void showDot(std::ostream& out, const Report& report);
 
-/// The writer of the format of that name: text, json, vcd or dot. Null for another name.
+/// A page for a browser (page.h).
+void showPage(std::ostream& out, const Report& report);
+
+/// The writer of the format of that name: text, json, vcd, dot or html. Null for another name.
 [[nodiscard]] Show showOf(const std::string& format);
 
 } // namespace tervoxal

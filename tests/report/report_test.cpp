@@ -224,10 +224,11 @@ TEST(Report, isValidWhateverBytesTheNamesHave) {
             }
         }
         const Transitions transitions(model);
-        const Walk walk(transitions, path, conditionOf(*model.form));
+        const Condition condition = conditionOf(*model.form);
+        const Walk walk(transitions, path, condition);
         const auto report = [&](auto show) {
             std::ostringstream out;
-            show(out, {walk, names, network, formula});
+            show(out, {walk, condition, names, network, formula});
             return out.str();
         };
         const Json json(report(showJson));
