@@ -44,5 +44,5 @@ _tervoxal() {
     esac
 }
 
-complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-check tervoxal-draw tervoxal-formula \
-    tervoxal-import tervoxal-path tervoxal-solve tervoxal-sweep
+complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-draw tervoxal-formula \
+    tervoxal-import tervoxal-lint tervoxal-path tervoxal-solve tervoxal-sweep

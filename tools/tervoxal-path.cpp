@@ -5,6 +5,7 @@
 #include "model/names.h"
 #include "programs/solveranswer.h"
 #include "programs/witness.h"
+#include "query/askedformula.h"
 #include "query/grammar.h"
 #include "query/question.h"
 #include "replay/path.h"
@@ -15,6 +16,7 @@
 #include "report/report.h"
 #include "system/command.h"
 #include "system/filenames.h"
+#include "system/filetext.h"
 #include "system/pathlength.h"
 #include "text/amounts.h"
 #include "text/fatal.h"
@@ -87,12 +89,13 @@ int withoutPath(SolverAnswer::Verdict verdict, const std::string& who, const std
 }
 
 /// What a run asks, which takes a temporal operator.
-Question runQuestion(NetTimedModel& model, const std::string& formula) {
-    model.readFormula(formula);
-    if (model.form->temporalLength() > 0) {
+Question runQuestion(const std::string& formula) {
+    const std::string file = formula + inputSuffix;
+    const EctlForm form = runFormula(file, fileText(file));
+    if (form.temporalLength() > 0) {
         std::cerr << "warning: a formula with a temporal operator is false as a whole\n";
     }
-    return {formula, formula, conditionOf(*model.form)};
+    return {formula, formula, conditionOf(form)};
 }
 
 Found solverPath(const CommandLine& line, const NetTimedModel& model) {
@@ -152,7 +155,7 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, network);
     const Question asked = witness || taken ? otherQuestion(model, names, line)
-                                            : runQuestion(model, inputName(line.operands[1]));
+                                            : runQuestion(inputName(line.operands[1]));
     const Transitions transitions(model);
     const Found found = taken     ? Found{walkPath(line, transitions)}
                         : witness ? witnessPath(line, model)

@@ -1,7 +1,9 @@
 // The command tervoxal-sweep: the least path length with a path, and that path.
 
+#include "model/names.h"
 #include "programs/children.h"
 #include "programs/directories.h"
+#include "query/askedformula.h"
 #include "sweep/sweep.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -17,6 +19,7 @@
 #include <fstream>
 #include <iostream>
 #include <set>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -56,6 +59,15 @@ struct Input {
     std::string network;
     std::string formula;
 };
+
+/// Tells of a broken file before it is one of a run, which does not tell in which line.
+void refuseBroken(const Input& input, const std::string& network, const std::string& formula) {
+    NetTimedModel model;
+    Names names;
+    std::istringstream in(input.network);
+    readNamedNetwork(model, names, in, network);
+    (void)runFormula(formula + inputSuffix, input.formula);
+}
 
 /// The name of an input in the directory of the sweep, where files have it and some letters more.
 std::string nameThere(const std::string& name) {
@@ -113,6 +125,7 @@ int main(int argc, char* argv[]) {
     // Both are read once: they may be pipes, and all lengths speak of the same network.
     input.network = fileText(network + inputSuffix);
     input.formula = fileText(formula + inputSuffix);
+    refuseBroken(input, network, formula);
     if (call.has("keep")) {
         std::error_code problem;
         task.keep = fs::absolute(call.value("keep", ""), problem);

@@ -16,6 +16,7 @@
 
 #include "model/ntamodel.h"
 
+#include <istream>
 #include <map>
 #include <string>
 
@@ -36,7 +37,11 @@ struct Names {
 };
 
 /// Reads name + ".in" into the model and its names, and computes the layout of a state. Refuses
-/// what NetTimedModel::readNetwork refuses, in the same way, but prints no progress.
+/// what NetTimedModel::readNetwork refuses, with a line that tells the file and its line. Prints no
+/// progress.
 void readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name);
+/// The same from a stream with what that file holds.
+void readNamedNetwork(NetTimedModel& model, Names& names, std::istream& in,
+                      const std::string& name);
 
 } // namespace tervoxal

@@ -16,12 +16,19 @@ using namespace tervoxal;
 
 namespace {
 
+/// Where the names of a network go, and what it is called with.
+struct Naming {
+    Names& names;
+    const std::string& network;
+};
+
 /// Enters the sections of a file into a model, and ends the process at the first fault.
 class NetworkReader {
 public:
-    /// names may be null.
-    NetworkReader(const Lines& lines, NetTimedModel& model, Names* names, bool progress)
-        : lines(lines), model(model), names(names), progress(progress) {}
+    /// Without naming it does what a run does, which tells how it goes on.
+    NetworkReader(const Lines& lines, NetTimedModel& model, const Naming* naming)
+        : lines(lines), model(model), names(naming == nullptr ? nullptr : &naming->names),
+          naming(naming) {}
 
     void heading() {}
     void title(int number) {
@@ -30,7 +37,7 @@ public:
         if (names != nullptr) name(names->automata, automaton, trimmed(lines.text));
     }
     void body() {
-        if (progress) std::cout << "wczytywanie automatu\n";
+        if (names == nullptr) std::cout << "wczytywanie automatu\n";
         ++model.nrOfAutomata;
     }
     void location(uint l, const Scanner& after) {
@@ -42,7 +49,7 @@ public:
         if (names != nullptr && named) name(names->actions, t.action, after.rest());
     }
     void valuation() const {
-        if (progress) std::cout << "wczytywanie wartosciowania\n";
+        if (names == nullptr) std::cout << "wczytywanie wartosciowania\n";
     }
     void value(uint l) { section.addValue(l, lines.number); }
     void prop(uint l, uint p) { section.addProp(l, p); }
@@ -53,7 +60,11 @@ public:
     void closed();
     void end() {}
 
-    [[noreturn]] static bool refused(const NetworkFault& fault) { error(refusal(fault)); }
+    [[noreturn]] bool refused(const NetworkFault& fault) const {
+        if (naming == nullptr) error(refusal(fault));
+        error(naming->network + inputSuffix + ':' + std::to_string(fault.line) +
+              ": error: " + text(fault) + "; tervoxal-lint " + naming->network + " tells all");
+    }
 
 private:
     /// The first name wins.
@@ -66,7 +77,7 @@ private:
     const Lines& lines;
     NetTimedModel& model;
     Names* names;
-    bool progress;
+    const Naming* naming;
     Section section;
     uint automaton = 0;
 };
@@ -100,26 +111,33 @@ void NetworkReader::closed() {
     }
 }
 
-void read(NetTimedModel& model, Names* names, const std::string& file, bool progress) {
-    std::ifstream in = openInput(file);
+void read(NetTimedModel& model, const Naming* naming, std::istream& in, const std::string& file) {
     Lines lines(in, file);
-    NetworkReader reader(lines, model, names, progress);
+    NetworkReader reader(lines, model, naming);
     NetworkParser(lines, reader, model.nrOfAutomata).network();
 }
 
 } // namespace
 
 void NetTimedModel::readNetwork(std::string name) {
-    read(*this, nullptr, name.append(inputSuffix), true);
+    std::ifstream in = openRunInput(name.append(inputSuffix));
+    read(*this, nullptr, in, name);
 }
 
 bool NetTimedModel::readAutomaton(std::ifstream& in) {
     Lines lines(in);
-    NetworkReader reader(lines, *this, nullptr, true);
+    NetworkReader reader(lines, *this, nullptr);
     return NetworkParser(lines, reader, nrOfAutomata).section();
 }
 
 void tervoxal::readNamedNetwork(NetTimedModel& model, Names& names, const std::string& name) {
-    read(model, &names, name + inputSuffix, false);
+    std::ifstream in = openInput(name + inputSuffix);
+    readNamedNetwork(model, names, in, name);
+}
+
+void tervoxal::readNamedNetwork(NetTimedModel& model, Names& names, std::istream& in,
+                                const std::string& name) {
+    const Naming naming{names, name};
+    read(model, &naming, in, name + inputSuffix);
     model.compNrOfBits(0);
 }

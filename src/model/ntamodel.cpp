@@ -11,7 +11,7 @@
 using namespace tervoxal;
 
 void NetTimedModel::readFormula(std::string name) {
-    std::ifstream in = openInput(name.append(inputSuffix));
+    std::ifstream in = openRunInput(name.append(inputSuffix));
     Lines lines(in, name);
     if (!lines.next()) error("formula: end of file before the formula");
     form = std::make_unique<EctlForm>(lines.text);

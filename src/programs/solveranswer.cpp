@@ -80,6 +80,10 @@ private:
     void takeVerdict(std::string_view text) {
         const std::optional<Verdict> told = verdictOf(text);
         if (text == "b0") refuse("the witness of a model checker, which --witness takes");
+        if (text.starts_with("WARNING: for repeatability") || text.starts_with("====")) {
+            refuse("what MiniSat prints; its answer is in its result file, the second operand of "
+                   "minisat");
+        }
         if (!told) refuse("neither a verdict nor literals: '" + excerpt(text) + "'");
         if (verdict) refuse("a second verdict");
         verdict = told;

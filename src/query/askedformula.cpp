@@ -6,8 +6,10 @@
 #include "text/readable.h"
 
 #include <iostream>
+#include <optional>
 #include <set>
 #include <sstream>
+#include <utility>
 
 namespace tervoxal {
 
@@ -21,6 +23,13 @@ void refuseTemporal(const EctlForm& form) {
           (outermost ? ", so ask " + excerpt(form.left) : ""));
 }
 
+/// Without the newline at its end.
+std::string told(const Diagnostics& findings, const std::string& file) {
+    std::ostringstream lines;
+    findings.show(lines, file);
+    return lines.str().substr(0, lines.str().size() - 1);
+}
+
 } // namespace
 
 Condition readAskedFormula(const NetTimedModel& model, const std::string& name) {
@@ -30,12 +39,16 @@ Condition readAskedFormula(const NetTimedModel& model, const std::string& name) 
     Diagnostics findings;
     const auto form = checkFormula(file, &carried, findings);
     if (form) refuseTemporal(*form);
-    std::ostringstream told;
-    findings.show(told, file);
-    std::string lines = told.str();
-    if (!form) error(lines.substr(0, lines.size() - 1));
-    std::cerr << lines;
+    if (!form) error(told(findings, file));
+    findings.show(std::cerr, file);
     return conditionOf(*form);
+}
+
+EctlForm runFormula(const std::string& file, std::string text) {
+    Diagnostics findings;
+    std::optional<EctlForm> form = checkFormulaText(std::move(text), nullptr, findings);
+    if (!form) error(told(findings, file));
+    return *std::move(form);
 }
 
 } // namespace tervoxal

@@ -5,6 +5,7 @@
 
 #include "model/ntamodel.h"
 #include "query/condition.h"
+#include "temporal/ectlform.h"
 
 #include <string>
 
@@ -14,5 +15,9 @@ namespace tervoxal {
 /// checkFormula go to standard error, each in its line. A file that a run refuses and a formula
 /// with a temporal operator end the process with status 1 and one more line there.
 [[nodiscard]] Condition readAskedFormula(const NetTimedModel& model, const std::string& name);
+
+/// The formula of a file, given with its text, that a run takes. One that a run refuses ends the
+/// process with status 1 and what is found in it on standard error.
+[[nodiscard]] EctlForm runFormula(const std::string& file, std::string text);
 
 } // namespace tervoxal

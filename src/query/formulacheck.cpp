@@ -55,7 +55,11 @@ std::vector<std::string> uncarried(const std::set<uint>& asked, const std::set<u
 
 std::optional<EctlForm> checkFormula(const std::string& file, const std::set<uint>* carried,
                                      Diagnostics& findings) {
-    std::string text = fileText(file);
+    return checkFormulaText(fileText(file), carried, findings);
+}
+
+std::optional<EctlForm> checkFormulaText(std::string text, const std::set<uint>* carried,
+                                         Diagnostics& findings) {
     checkCarriageReturns(text, findings);
     std::istringstream in(std::move(text));
     Lines lines(in);

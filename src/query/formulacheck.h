@@ -19,6 +19,9 @@ namespace tervoxal {
 /// standard error.
 std::optional<EctlForm> checkFormula(const std::string& file, const std::set<uint>* carried,
                                      Diagnostics& findings);
+/// The same of the text of such a file.
+std::optional<EctlForm> checkFormulaText(std::string text, const std::set<uint>* carried,
+                                         Diagnostics& findings);
 
 /// A warning for each proposition that is asked for and that no location carries.
 [[nodiscard]] std::vector<std::string> uncarried(const std::set<uint>& asked,

@@ -2,17 +2,38 @@
 
 #include "text/fatal.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 #include <system_error>
 
 namespace tervoxal {
 
-std::ifstream openInput(const std::string& name) {
+namespace {
+
+/// The file, or why it cannot be opened in errno.
+std::ifstream opened(const std::string& name) {
+    errno = 0;
     std::ifstream in(name);
     std::error_code ignored;
-    if (!in || std::filesystem::is_directory(name, ignored)) {
-        error("Nie moge otworzyc pliku " + name);
+    if (in && std::filesystem::is_directory(name, ignored)) {
+        errno = EISDIR;
+        in.setstate(std::ios::failbit);
     }
+    return in;
+}
+
+} // namespace
+
+std::ifstream openInput(const std::string& name) {
+    std::ifstream in = opened(name);
+    if (!in) error("cannot open " + name + ": " + std::strerror(errno));
+    return in;
+}
+
+std::ifstream openRunInput(const std::string& name) {
+    std::ifstream in = opened(name);
+    if (!in) error("Nie moge otworzyc pliku " + name);
     return in;
 }
 

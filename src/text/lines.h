@@ -13,6 +13,8 @@ namespace tervoxal {
 /// Opens a file for reading. One that cannot be opened, or is a directory, ends the process with
 /// status 1 and one line on standard error.
 [[nodiscard]] std::ifstream openInput(const std::string& name);
+/// The same with the line of a run.
+[[nodiscard]] std::ifstream openRunInput(const std::string& name);
 
 /// Ends the process with status 1 and one line on standard error if reading has failed, which is
 /// not the end of the stream.

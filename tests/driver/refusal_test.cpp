@@ -73,7 +73,7 @@ TEST(Refusal, damagedInputIsTakenOrRefusedInOneLine) {
         EXPECT_EQ(lines.find("runtime error"), std::string::npos) << lines;
         for (const char* output : outputs)
             EXPECT_EQ(scratch.read(output) == "old\n", status == 1) << output;
-        const int checked = scratch.run("timeout 20 \"$D\"/tervoxal-check net form");
+        const int checked = scratch.run("timeout 20 \"$D\"/tervoxal-lint net form");
         ASSERT_LE(checked, 1);
         const std::string findings = scratch.read("stdout") + scratch.read("stderr");
         EXPECT_EQ(findings.find(": error: ") != std::string::npos, status == 1) << findings;

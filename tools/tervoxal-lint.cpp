@@ -1,4 +1,4 @@
-// The command tervoxal-check: what a run would refuse, and what hardly can be meant.
+// The command tervoxal-lint: what a run would refuse, and what hardly can be meant.
 
 #include "lint/networkcheck.h"
 #include "query/formulacheck.h"
@@ -12,7 +12,7 @@ using namespace tervoxal;
 
 int main(int argc, char* argv[]) {
     const Command command{
-        "tervoxal-check",
+        "tervoxal-lint",
         "NetworkFile [FormulaFile]",
         "Tells what is wrong with the network NetworkFile.in and the formula FormulaFile.in, one\n"
         "line each:\n"
