@@ -1,10 +1,10 @@
 # shellcheck shell=bash
 # bash completion of tervoxal and its companions: options as --help tells them, networks and formulas
-# by their names without ".in", after --ask= the propositions of a network that is already there.
+# by their names without ".in", after --ask= the propositions of the networks that the line names.
 
 _tervoxal() {
     local command=$1 word=$2 option=$3
-    local names IFS=$'\n'
+    local names network before IFS=$'\n'
     COMPREPLY=()
     # "--format=json" is three words: bash splits words at "=".
     if [ "$word" = = ]; then
@@ -13,16 +13,20 @@ _tervoxal() {
         option=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     case $option in
-    --format) mapfile -t COMPREPLY < <(compgen -W $'text\njson\nvcd\ndot' -- "$word") ;;
+    --format) mapfile -t COMPREPLY < <(compgen -W $'text\njson\nvcd\ndot\nhtml' -- "$word") ;;
     --solver) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
     --ask)
-        names=$(for network in "${COMP_WORDS[@]}"; do
+        # Not COMP_WORDS: after an open quote the rest of the line is one word.
+        names=$(tr ' ' '\n' <<<"$COMP_LINE" | while read -r network; do
+            network=${network%.in}
             [ ! -f "$network.in" ] || sed -nE \
                 '/^valuation/,/^end/s/^[0-9 ]+([^] !&|()"0-9][^ !&|()"]*)$/\1/p' "$network.in"
         done)
-        mapfile -t COMPREPLY < <(compgen -W "$names" -- "$word")
+        # Of an expression in quotes, the last name.
+        before=${word%"${word##*[ !&|()]}"}
+        mapfile -t COMPREPLY < <(compgen -P "$before" -W "$names" -- "${word#"$before"}")
         ;;
-    --witness | --questions | --certificate) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    --witness | --walk | --questions | --certificate) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     --keep | --paths) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --from | --jobs | --time | --prove-time | --bound) ;;
     *)
@@ -36,7 +40,11 @@ _tervoxal() {
         mapfile -t COMPREPLY < <(
             compgen -d -- "$word"
             case $command in
-            *-import) compgen -f -X '!*.@(pnml|aut)' -- "$word" ;;
+            *-import)
+                # Two patterns in place of one that needs extglob.
+                compgen -f -X '!*.pnml' -- "$word"
+                compgen -f -X '!*.aut' -- "$word"
+                ;;
             *) compgen -f -X '!*.in' -- "$word" | sed 's/\.in$//' ;;
             esac
         )

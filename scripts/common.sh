@@ -3,6 +3,15 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# help_asked TEXT "$@": shows the usage and what the script does, where --help is among the arguments.
+help_asked() {
+    local text=$1 argument
+    shift
+    for argument in "$@"; do
+        [ "$argument" != --help ] || { printf '%s\n' "$text" && exit 0; }
+    done
+}
+
 # install COMMAND-OR-FILE=PACKAGE...: installs the Debian package of each command that is not on the
 # path, or of each file that is not there.
 install() {
