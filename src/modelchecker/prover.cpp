@@ -130,7 +130,7 @@ void Prover::refute(const std::string& witness, const std::string& source) {
         decodeChoices(model, readWitness(in, "the witness of " + source, shape).steps);
     const Transitions transitions(model);
     replay(Walk(transitions, path, board[question].condition), names);
-    board.offer(question, runOf(board.network, path));
+    board.offer(runOf(board.network, path));
 }
 
 } // namespace tervoxal

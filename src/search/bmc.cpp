@@ -131,13 +131,7 @@ Solver::Verdict BoundedModelChecking::ask(Board& board, int depth, const Questio
     spent += (solver.conflicts() - conflictsBefore) * conflictCost(unrolling.size());
     conflictsBefore = solver.conflicts();
     if (verdict == Solver::Verdict::satisfiable) {
-        const Run run = unrolling.run(depth);
-        std::vector<bool> met;
-        met.reserve(goals.size());
-        for (const int goal : goals) met.push_back(solver.value(goal));
-        for (std::size_t i = 0; i < open.size(); ++i) {
-            if (met[i]) board.offer(open[i], run);
-        }
+        board.offer(unrolling.run(depth));
     } else if (verdict == Solver::Verdict::unsatisfiable) {
         for (const int goal : goals) solver.add({-goal});
         board.refute(open, depth);

@@ -8,7 +8,7 @@
 // refuted refutes all lengths up to it, and not every depth is asked.
 //
 // One query asks for the disjunction of all open questions. If it is unsatisfiable, all are
-// refuted; if not, the model is a path of each question whose goal is true in it.
+// refuted; if not, the model is a path of some of them.
 
 #pragma once
 

@@ -16,9 +16,14 @@ Board::Board(const FlatNetwork& network, std::vector<Condition> conditions, Rang
 
 bool Board::settled(std::size_t question) const {
     const Entry& entry = entries[question];
-    if (entry.unreachable || entry.refuted >= range.to) return true;
+    return entry.refuted >= range.to || !isOpen(entry);
+}
+
+/// Whether a path, or a shorter one, would be news.
+bool Board::isOpen(const Entry& entry) const {
+    if (entry.unreachable) return false;
     const bool enough = entry.closed || (range.any && entry.length() <= range.to);
-    return entry.found && (entry.least() || enough);
+    return !entry.found || !(entry.least() || enough);
 }
 
 bool Board::undecided(std::size_t question) const {
@@ -40,13 +45,45 @@ void Board::refute(std::span<const std::size_t> questions, int depth) {
     if (longer && listener != nullptr && listener->refuted) listener->refuted(questions);
 }
 
-void Board::offer(std::size_t question, Run run) {
-    Entry& entry = entries[question];
-    Run path = shortened(network, std::move(run), entry.condition);
-    if (entry.found && path.size() >= entry.path.size()) return;
-    entry.found = true;
-    entry.path = std::move(path);
-    if (listener != nullptr && listener->found) listener->found(question);
+/// The questions that are open are looked for from now on.
+void Board::watch() {
+    watched.clear();
+    std::vector<const Condition*> conditions;
+    for (std::size_t q = 0; q < entries.size(); ++q) {
+        if (!isOpen(entries[q])) continue;
+        watched.push_back(q);
+        conditions.push_back(&entries[q].condition);
+    }
+    evaluator.emplace(network, conditions);
+    givenUp = 0;
+}
+
+void Board::offer(const Run& run) {
+    if (!evaluator || 2 * givenUp > watched.size()) watch();
+    std::vector<std::pair<std::size_t, std::size_t>> met; // a question, and where
+    for (std::size_t position = 0;; ++position) {
+        evaluator->tell([&](std::size_t condition) {
+            const Entry& entry = entries[watched[condition]];
+            const bool open = isOpen(entry);
+            if (!open) ++givenUp;
+            if (open && (!entry.found || position < entry.path.size())) {
+                met.emplace_back(watched[condition], position);
+            }
+            return open;
+        });
+        if (position == run.size()) break;
+        for (const uint m : run[position].moves) {
+            evaluator->move(network.moves[m].source, network.moves[m].target);
+        }
+    }
+    evaluator->reset();
+    evaluator->renew();
+    for (const auto& [question, position] : met) {
+        Entry& entry = entries[question];
+        entry.path = shortened(network, run, position, entry.condition);
+        entry.found = true;
+        if (listener != nullptr && listener->found) listener->found(question);
+    }
 }
 
 void Board::close(std::size_t question) {

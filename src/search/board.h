@@ -12,11 +12,13 @@
 #include "certificate/certificate.h"
 #include "model/flatnetwork.h"
 #include "query/condition.h"
+#include "search/evaluator.h"
 #include "search/firing.h"
 
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -84,9 +86,11 @@ public:
 
     /// No path of up to `depth` steps meets any of the questions.
     void refute(std::span<const std::size_t> questions, int depth);
-    /// A run that meets the question somewhere. It counts if what is left of it is shorter than
-    /// what is known. Precondition: it is a run of the network.
-    void offer(std::size_t question, Run run);
+    /// A run, which is looked through for all questions, at each state of it. It counts for those
+    /// that it meets where what is left of it is shorter than what is known. Linear in the run and
+    /// what changes along it, and in what is left of it for each question for which it counts.
+    /// Precondition: it is a run of the network.
+    void offer(const Run& run);
     /// No path of any length meets the questions, if the certificate holds: gives what fails, or an
     /// empty text.
     std::string exclude(std::span<const std::size_t> questions, const Certificate& certificate);
@@ -106,8 +110,14 @@ public:
     const Range range;
 
 private:
+    void watch();
+    [[nodiscard]] bool isOpen(const Entry& entry) const;
+
     std::vector<Entry> entries;
     std::vector<Fact> learned;
+    std::optional<Evaluator> evaluator; // from the first run on
+    std::vector<std::size_t> watched;   // by condition of the evaluator, the question
+    std::size_t givenUp = 0;            // of them
     const Listener* listener = nullptr;
 };
 

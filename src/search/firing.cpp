@@ -2,7 +2,6 @@
 
 #include "query/atoms.h"
 
-#include "replay/property.h"
 #include "replay/transitions.h"
 
 #include <algorithm>
@@ -31,22 +30,12 @@ void forEachChange(const FlatNetwork& network, const Firing& taken, Use&& use) {
     });
 }
 
-/// The number of actions before the first state where the condition holds.
-std::size_t firstMet(const FlatNetwork& network, const Run& run, const Condition& condition) {
-    Property property(network.model, condition);
-    std::size_t position = 0;
-    for (; position < run.size() && !property.holds(); ++position) {
-        forEachChange(network, run[position], [&](const Change& c) { property.change(c); });
-    }
-    return position;
-}
-
 /// An action of the network that leads from one state to the other, as the network have it.
 Firing takenBetween(const FlatNetwork& network, uint number, const State& before,
                     const State& after) {
     const std::optional<uint> action = network.action(number);
     assert(action);
-    Firing taken{*action, {}};
+    std::vector<uint> moves;
     for (const uint p : network.participantsOf(*action)) {
         const uint a = network.automata[network.participants[p].automaton].number;
         uint m = network.movesBegin(p);
@@ -55,9 +44,9 @@ Firing takenBetween(const FlatNetwork& network, uint number, const State& before
             ++m;
             assert(m < network.participants[p].movesEnd);
         }
-        taken.moves.push_back(m);
+        moves.push_back(m);
     }
-    return taken;
+    return {*action, std::move(moves)};
 }
 
 } // namespace
@@ -92,19 +81,19 @@ Run runOf(const FlatNetwork& network, const Path& path) {
     return run;
 }
 
-Run shortened(const FlatNetwork& network, Run run, const Condition& condition) {
-    run.resize(firstMet(network, run, condition));
+Run shortened(const FlatNetwork& network, const Run& run, std::size_t length,
+              const Condition& condition) {
     std::vector<bool> needed = lookedAt(network, condition);
-    std::vector<bool> stays(run.size());
-    for (std::size_t i = run.size(); i-- > 0;) {
+    std::vector<bool> stays(length);
+    for (std::size_t i = length; i-- > 0;) {
         forEachMove(network, run[i], [&](uint a, const FlatNetwork::Move& move) {
             stays[i] = stays[i] || (needed[a] && move.source != move.target);
         });
         if (stays[i]) forEachMove(network, run[i], [&](uint a, const auto&) { needed[a] = true; });
     }
     Run kept;
-    for (std::size_t i = 0; i < run.size(); ++i) {
-        if (stays[i]) kept.push_back(std::move(run[i]));
+    for (std::size_t i = 0; i < length; ++i) {
+        if (stays[i]) kept.push_back(run[i]);
     }
     return kept;
 }

@@ -8,14 +8,33 @@
 #include "replay/path.h"
 
 #include <cstddef>
+#include <memory>
+#include <utility>
 #include <vector>
 
 namespace tervoxal {
 
-/// An action that is taken, and the move of each of its participants, as indices of the network.
+/// The move of each participant of an action. Copies share them: a path is kept for each of
+/// perhaps thousands of questions, and most of these have their steps from the same run.
+class Moves {
+public:
+    Moves() : Moves(std::vector<uint>()) {}
+    Moves(std::vector<uint> moves)
+        : moves(std::make_shared<const std::vector<uint>>(std::move(moves))) {}
+
+    [[nodiscard]] auto begin() const { return moves->begin(); }
+    [[nodiscard]] auto end() const { return moves->end(); }
+    [[nodiscard]] std::size_t size() const { return moves->size(); }
+    [[nodiscard]] uint operator[](std::size_t participant) const { return (*moves)[participant]; }
+
+private:
+    std::shared_ptr<const std::vector<uint>> moves;
+};
+
+/// An action that is taken, and its moves, as indices of the network.
 struct Firing {
     uint action;
-    std::vector<uint> moves;
+    Moves moves;
 };
 
 using Run = std::vector<Firing>;
@@ -27,9 +46,11 @@ using Run = std::vector<Firing>;
 /// nothing are left out. Precondition, asserted: it is a run of the network.
 [[nodiscard]] Run runOf(const FlatNetwork& network, const Path& path);
 
-/// What is left of a run that meets the condition somewhere: it still does. It ends where the
-/// condition holds first; then, walking back from the end, an action stays only if it moves an
-/// automaton that the condition or a later action looks at. Linear in the run, and in the network.
-[[nodiscard]] Run shortened(const FlatNetwork& network, Run run, const Condition& condition);
+/// What is left of the first `length` actions of a run, which come to a state where the condition
+/// holds: it holds in the last state. Walking back from there, an action stays only if it moves an
+/// automaton that the condition or a later action looks at. Linear in these actions, and in what
+/// the condition names.
+[[nodiscard]] Run shortened(const FlatNetwork& network, const Run& run, std::size_t length,
+                            const Condition& condition);
 
 } // namespace tervoxal

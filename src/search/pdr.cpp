@@ -122,7 +122,7 @@ void PropertyDirectedReachability::turn(Board& board, const Questions& open, boo
             if (begin(board)) return;
         } else if (block()) {
             queue.clear();
-            board.offer(question, path());
+            board.offer(path());
             return;
         }
     }
@@ -150,7 +150,7 @@ bool PropertyDirectedReachability::begin(Board& board) {
         queue[frame].push_back(0);
         if (!hasInitial(obligations[0].cube)) return false;
         queue.clear();
-        board.offer(question, {});
+        board.offer({});
         return true;
     }
     if (frame + 1 == lemmas.size()) {
@@ -235,8 +235,8 @@ PropertyDirectedReachability::Locations
 PropertyDirectedReachability::preimage(const Firing& firing, const Locations& cube) const {
     Locations states;
     std::vector<uint> moving;
-    for (std::size_t i = 0; i < firing.moves.size(); ++i) {
-        states.push_back(network.moves[firing.moves[i]].source);
+    for (const uint m : firing.moves) {
+        states.push_back(network.moves[m].source);
         moving.push_back(network.locations[states.back()].automaton);
     }
     std::sort(moving.begin(), moving.end());

@@ -3,6 +3,7 @@
 #include "search/bmc.h"
 #include "search/markingequation.h"
 #include "search/pdr.h"
+#include "search/randomwalk.h"
 
 #include <algorithm>
 #include <limits>
@@ -17,6 +18,7 @@ constexpr std::int64_t unlimited = std::numeric_limits<std::int64_t>::max();
 
 Portfolio::Engines lastingEngines(const Board& board) {
     Portfolio::Engines engines;
+    engines.push_back(std::make_unique<RandomWalk>(walkPolicy));
     engines.push_back(std::make_unique<MarkingEquation>());
     engines.push_back(std::make_unique<PropertyDirectedReachability>(board));
     return engines;

@@ -151,14 +151,15 @@ Run Unrolling::run(int position) const {
         };
         for (const uint x : clauses.order) {
             if (!holds(clauses.actions[x])) continue;
-            run.push_back({x, {}});
+            std::vector<uint> moves;
             for (const uint i : network.participantsOf(x)) {
                 uint chosen = network.movesBegin(i);
                 for (uint m = chosen + 1; m < network.participants[i].movesEnd; ++m) {
                     if (holds(clauses.moves[m])) chosen = m;
                 }
-                run.back().moves.push_back(chosen);
+                moves.push_back(chosen);
             }
+            run.push_back({x, std::move(moves)});
         }
     }
     return run;

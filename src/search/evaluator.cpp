@@ -1,0 +1,239 @@
+#include "search/evaluator.h"
+
+#include <cassert>
+#include <limits>
+#include <map>
+#include <optional>
+#include <utility>
+
+namespace tervoxal {
+
+/// The nodes of conditions. Literals are an algebra for conditions, in the initial state.
+class Evaluator::Builder {
+public:
+    explicit Builder(Evaluator& evaluator)
+        : evaluator(evaluator), network(evaluator.network), nodeOf(network.locations.size()) {
+        for (uint x = 0; x < network.actions.size(); ++x) addAction(x);
+    }
+
+    Literal literal(const Condition& condition) {
+        // What earlier conditions are made of stays as it is.
+        own = static_cast<uint>(evaluator.missing.size());
+        return valueOf(condition, *this);
+    }
+    void finish(std::span<const Literal> literals) {
+        const std::size_t nodes = evaluator.missing.size();
+        evaluator.lookingAtLocation = rowsOf(atLocation, network.locations.size());
+        evaluator.lookingAtNode = rowsOf(atNode, nodes);
+        std::vector<std::pair<uint, uint>> conditions;
+        conditions.reserve(literals.size());
+        for (uint c = 0; c < literals.size(); ++c) conditions.emplace_back(literals[c], c);
+        evaluator.conditionsOf = rowsOf(conditions, 2 * nodes);
+    }
+
+    Literal constant(bool value) {
+        if (!truth) truth = addNode(0);
+        return 2 * *truth + (value ? 0 : 1);
+    }
+    Literal atom(const Condition::Token& token) {
+        if (token.term == Condition::Term::at) return at(token.number, token.location);
+        if (token.term == Condition::Term::prop) return prop(token.number);
+        if (token.term == Condition::Term::deadlock) return deadlock();
+        const auto x = network.action(token.number);
+        return x ? 2 * *x : constant(false);
+    }
+    static Literal negation(Literal a) { return a ^ 1U; }
+    Literal conjunction(Literal a, Literal b) {
+        if (!isOwn(a)) std::swap(a, b);
+        if (!isOwn(a)) {
+            const Literal both = addConjunction();
+            growing.resize(both / 2 + 1);
+            growing[both / 2] = true;
+            addOperand(both, a);
+            a = both;
+        }
+        addOperand(a, b);
+        return a;
+    }
+    Literal disjunction(Literal a, Literal b) {
+        return negation(conjunction(negation(a), negation(b)));
+    }
+
+private:
+    uint addNode(uint missing) {
+        evaluator.missing.push_back(missing);
+        return static_cast<uint>(evaluator.missing.size() - 1);
+    }
+    void addAction(uint x) {
+        uint missing = 0;
+        for (const uint p : network.participantsOf(x)) {
+            bool here = false;
+            uint last = std::numeric_limits<uint>::max();
+            for (const uint m : network.movesOf(p)) {
+                const uint source = network.moves[m].source;
+                if (source == last) continue; // the moves are by source
+                last = source;
+                atLocation.emplace_back(source, x);
+                here = here || network.locations[source].number == 0;
+            }
+            missing += here ? 0 : 1;
+        }
+        addNode(missing);
+    }
+    /// A conjunction that nothing but its condition has yet, so it takes more operands.
+    [[nodiscard]] bool isOwn(Literal a) const {
+        return a % 2 == 0 && a / 2 >= own && a / 2 < growing.size() && growing[a / 2];
+    }
+    Literal addConjunction() { return 2 * addNode(0); }
+    void addOperand(Literal conjunction, Literal operand) {
+        atNode.emplace_back(operand / 2, conjunction + operand % 2);
+        if (!evaluator.isTrue(operand)) ++evaluator.missing[conjunction / 2];
+    }
+
+    Literal at(uint a, uint l) {
+        const FlatNetwork::Place place = network.place(a, l);
+        if (!place.location) return constant(place.always);
+        const uint location = *place.location;
+        std::optional<uint>& node = nodeOf[location];
+        if (!node) {
+            node = addNode(network.locations[location].number == 0 ? 0 : 1);
+            atLocation.emplace_back(location, *node);
+        }
+        return 2 * *node;
+    }
+    Literal prop(uint number) {
+        const auto [entry, isNew] = props.try_emplace(number, 0);
+        if (!isNew) return entry->second;
+        std::vector<Literal> carriers;
+        for (const auto& [a, l] : network.carriers(number)) carriers.push_back(at(a, l));
+        if (carriers.size() == 1) return entry->second = carriers[0];
+        const Literal none = addConjunction();
+        for (const Literal carrier : carriers) addOperand(none, negation(carrier));
+        return entry->second = negation(none);
+    }
+    Literal deadlock() {
+        if (!stuck) {
+            stuck = addConjunction();
+            for (uint x = 0; x < network.actions.size(); ++x) addOperand(*stuck, negation(2 * x));
+        }
+        return *stuck;
+    }
+
+    Evaluator& evaluator;
+    const FlatNetwork& network;
+    std::vector<std::optional<uint>> nodeOf; // of each location
+    std::map<uint, Literal> props;
+    std::optional<uint> truth;
+    std::optional<Literal> stuck;
+    uint own = 0;              // the first node of the condition at hand
+    std::vector<bool> growing; // of each node: a conjunction that a condition is made of
+    std::vector<std::pair<uint, uint>> atLocation;
+    std::vector<std::pair<uint, uint>> atNode;
+};
+
+Evaluator::Evaluator(const FlatNetwork& network, std::span<const Condition* const> conditions)
+    : network(network), places(network.automata.size()), wasMoved(network.automata.size()),
+      slots(network.actions.size()) {
+    Builder builder(*this);
+    literals.reserve(conditions.size());
+    for (const Condition* condition : conditions) literals.push_back(builder.literal(*condition));
+    builder.finish(literals);
+    awaited.resize(2 * missing.size());
+    kept.resize(2 * missing.size());
+    for (Literal l = 0; l < kept.size(); ++l) kept[l] = static_cast<uint>(conditionsOf[l].size());
+    for (Literal l = 0; l < kept.size(); ++l) {
+        if (isTrue(l)) await(l);
+    }
+    for (uint x = 0; x < slots.size(); ++x) {
+        if (isTrue(2 * x)) add(x);
+    }
+    for (uint a = 0; a < places.size(); ++a) places[a] = network.locationsBegin(a);
+}
+
+/// The items of each index, in the order of the entries.
+Evaluator::Rows Evaluator::rowsOf(const std::vector<std::pair<uint, uint>>& entries,
+                                  std::size_t count) {
+    Rows rows;
+    rows.begin.resize(count + 1);
+    for (const auto& [index, item] : entries) ++rows.begin[index + 1];
+    for (std::size_t i = 1; i <= count; ++i) rows.begin[i] += rows.begin[i - 1];
+    rows.items.resize(entries.size());
+    std::vector<uint> next(rows.begin.begin(), rows.begin.end() - 1);
+    for (const auto& [index, item] : entries) rows.items[next[index]++] = item;
+    return rows;
+}
+
+void Evaluator::add(uint action) {
+    slots[action] = static_cast<uint>(enabled.size());
+    enabled.push_back(action);
+}
+
+void Evaluator::remove(uint action) {
+    const uint last = enabled.back();
+    enabled[slots[action]] = last;
+    slots[last] = slots[action];
+    enabled.pop_back();
+}
+
+void Evaluator::await(Literal literal) {
+    if (kept[literal] == 0 || awaited[literal]) return;
+    awaited[literal] = true;
+    came.push_back(literal);
+}
+
+void Evaluator::count(uint node, bool gained) {
+    if (gained) {
+        assert(missing[node] > 0);
+        if (--missing[node] == 0) changed(node, true);
+    } else {
+        if (missing[node]++ == 0) changed(node, false);
+    }
+}
+
+void Evaluator::changed(uint node, bool now) {
+    if (node < slots.size() && now) add(node);
+    if (node < slots.size() && !now) remove(node);
+    const Literal literal = 2 * node + (now ? 0 : 1);
+    await(literal);
+    if (!lookingAtNode[node].empty()) pending.push_back(literal);
+}
+
+void Evaluator::move(uint source, uint target) {
+    if (source == target) return;
+    const uint a = network.locations[source].automaton;
+    assert(places[a] == source);
+    places[a] = target;
+    if (!wasMoved[a]) {
+        wasMoved[a] = true;
+        movedOnes.push_back(a);
+    }
+    for (const uint node : lookingAtLocation[source]) count(node, false);
+    for (const uint node : lookingAtLocation[target]) count(node, true);
+    counts += static_cast<std::int64_t>(lookingAtLocation[source].size() +
+                                        lookingAtLocation[target].size());
+    // First in, first out: a node may change twice, and what looks at it is to count that in order.
+    for (std::size_t i = 0; i < pending.size(); ++i) {
+        const Literal literal = pending[i];
+        const std::span<const Literal> looking = lookingAtNode[literal / 2];
+        for (const Literal by : looking) count(by / 2, by % 2 == literal % 2);
+        counts += static_cast<std::int64_t>(looking.size());
+    }
+    pending.clear();
+}
+
+void Evaluator::reset() {
+    for (const uint a : movedOnes) {
+        move(places[a], network.locationsBegin(a));
+        wasMoved[a] = false;
+    }
+    movedOnes.clear();
+}
+
+void Evaluator::renew() {
+    for (const Literal literal : told) awaited[literal] = false;
+    for (const Literal literal : std::exchange(told, {})) {
+        if (isTrue(literal)) await(literal);
+    }
+}
+
+} // namespace tervoxal
