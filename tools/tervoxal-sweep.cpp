@@ -47,7 +47,7 @@ const Command command{
       "kissat"},
      {"from", "K", "begin with paths of K steps (1)"},
      {"jobs", "N", "work on N lengths at a time (1)"},
-     {"format", "FORMAT", "text, json, vcd or dot, as tervoxal-path writes them (text)"},
+     {"format", "FORMAT", "text, json, vcd, dot or html, as tervoxal-path writes them (text)"},
      {"keep", "DIRECTORY",
       "keep the clauses, the side file, the solver's output and the time\n"
       "file there; by default they are temporary"}},
@@ -111,8 +111,8 @@ int main(int argc, char* argv[]) {
     task.from = call.number("from", 1, task.to, 1);
     task.jobs = static_cast<std::size_t>(call.number("jobs", 1, 1024, 1));
     task.format = call.value("format", "text");
-    if (!std::set<std::string_view>{"text", "json", "vcd", "dot"}.contains(task.format)) {
-        call.misused("--format needs text, json, vcd or dot, not '" + task.format + "'");
+    if (!std::set<std::string_view>{"text", "json", "vcd", "dot", "html"}.contains(task.format)) {
+        call.misused("--format needs text, json, vcd, dot or html, not '" + task.format + "'");
     }
     task.tervoxal = companion("tervoxal");
     task.tervoxalPath = companion("tervoxal-path");

@@ -77,8 +77,8 @@ public:
 
     [[noreturn]] void refuse(const std::string& due) const {
         const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<long>(at), '\n');
-        error(name + ", line " + std::to_string(line) + ": " + due + " expected, not " +
-              excerpt(text.substr(at)));
+        error(name + ", line " + std::to_string(line) + ": " + due + " expected, not '" +
+              excerpt(text.substr(at)) + "'");
     }
 
 private:

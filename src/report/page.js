@@ -137,6 +137,7 @@ document.addEventListener("DOMContentLoaded", () => {
             .filter(([, source, target]) => source !== target);
         undone.push({position, steps: cut(position)});
         append({actions: [action], changes, byHand: true, holds: false});
+        part("filter").value = ""; // what is typed next is about the next action
         steps.at(-1).holds = data.question !== "" && questionHolds(stateAt(steps.length));
         columns = chosenColumns();
         go(steps.length);
@@ -191,7 +192,7 @@ document.addEventListener("DOMContentLoaded", () => {
     const lineHeight = 28;
     const rowHeight = 26;
     const width = (names, least, most) => Math.min(
-        most, Math.max(least, 32 + 7 * names.reduce((n, name) => Math.max(n, name.length), 0)));
+        most, Math.max(least, 40 + 7.2 * names.reduce((n, name) => Math.max(n, name.length), 0)));
     const marked = [...parts.values()].slice(0, 26); // those that have a letter
     const letter = (i) => String.fromCharCode(65 + i);
     const fixed = {number: 74, marks: data.question === "" ? 0 : 52 + 11 * Math.min(marked.length, 6)};
@@ -361,7 +362,7 @@ document.addEventListener("DOMContentLoaded", () => {
         const moves = action.slice(1).map((of) => [of[0], targets(of, state(of[0]))]);
         const open = moves.filter(([, to]) => to.length > 1);
         if (open.length === 0) return take(action[0], moves.map(([a, to]) => [a, to[0]]));
-        part("chosen").textContent = actionName(action[0]);
+        part("chosen").textContent = actionName(action[0]) + ": which moves?";
         part("moves").replaceChildren(...open.map(([a, to]) => {
             const group = document.createElement("fieldset");
             const legend = document.createElement("legend");
@@ -394,9 +395,9 @@ document.addEventListener("DOMContentLoaded", () => {
         if (part("asked").hidden) return;
         const state = stateAt(position);
         const count = steps.filter((step) => step.holds).length + (heldAtStart ? 1 : 0);
-        part("question").textContent = data.question + (holdsAt(position)
-            ? " ★ holds here" : " does not hold here") + "; ★ at " + count + " of " +
-            (steps.length + 1) + " states";
+        part("question").textContent = data.question;
+        part("met").textContent = (holdsAt(position) ? "★ met here" : "not met here") + "; ★ at " +
+            count + " of " + (steps.length + 1) + " states";
         part("parts").replaceChildren(...marked.map((token, i) => {
             const item = document.createElement("li");
             const button = document.createElement("button");

@@ -184,7 +184,6 @@ class Page(unittest.TestCase):
                 if several:
                     click("#take")
                     time.sleep(0.02)
-                look("document.querySelector('#filter').value = ''")
                 look("document.querySelector('#lanes').focus()")
                 following = [chosen.get(a, l) for a, l in enumerate(states[-1])]
                 if dice.random() < 0.2:
@@ -192,7 +191,6 @@ class Page(unittest.TestCase):
                 else:
                     states.append(following)
                     steps += 1
-                look("document.querySelector('#filter').dispatchEvent(new Event('input'))")
             if len(states) == 1:
                 continue
             walk = run("tervoxal-path", "--format=json", f"--walk={saved()}", "net")
