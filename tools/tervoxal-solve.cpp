@@ -12,6 +12,7 @@
 #include "search/portfolio.h"
 #include "system/command.h"
 #include "system/filenames.h"
+#include "system/interrupt.h"
 #include "system/outputfile.h"
 #include "system/pathlength.h"
 #include "text/fatal.h"
@@ -38,10 +39,12 @@ using Clock = std::chrono::steady_clock;
 
 const Command command{
     "tervoxal-solve",
-    "NetworkFile [FormulaFile] PathLen",
-    "Looks for the shortest path of 0 to PathLen steps on which the formula holds somewhere, and\n"
-    "prints it. Both files are named without their \".in\". In place of FormulaFile, one of the\n"
-    "options --ask, --deadlock, --questions and --actions tells what is asked.\n"
+    "NetworkFile [FormulaFile] [PathLen]",
+    "Looks for the shortest path of 0 to PathLen steps, or of any length, on which the formula\n"
+    "holds somewhere, and prints it. Both files are named without their \".in\". In place of\n"
+    "FormulaFile, one of the options --ask, --deadlock, --questions and --actions tells what is\n"
+    "asked. Once there is a path, it spends a few seconds on shorter ones. Ctrl-C (SIGINT) and\n"
+    "SIGTERM end it with what is known by then, a second one at once.\n"
     "\n"
     "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 "
     "no\n"
@@ -54,6 +57,8 @@ const Command command{
      {"actions", "", "whether each action is ever possible; prints a table"},
      {"paths", "DIRECTORY", "write the paths of a table there"},
      {"any", "", "stop at the first path, which need not be the shortest"},
+     {"least", "", "go on until the path is known to be the shortest"},
+     {"follow", "", "with a table, print each verdict on standard output as it is known"},
      {"time", "SECONDS", "end after SECONDS with what is known by then"},
      {"prove", "",
       "go on for a proof that there is no path of any length, with a model checker beside"},
@@ -63,7 +68,7 @@ const Command command{
       "text, json, vcd, dot or html, as tervoxal-path writes them (text);\n"
       "json has the whole table"},
      {"all", "", "show all automata, also those that stay"}},
-    2,
+    1,
     3,
     "EXPRESSION:\n" + grammarHelp(Grammar::whole)};
 
@@ -77,6 +82,7 @@ struct Call {
     Show show;
     long seconds;
     bool prove;
+    bool follow;
     std::chrono::seconds proveSeconds;
     Answers::Asked asked;
 };
@@ -91,11 +97,14 @@ Call::Call(const CommandLine& line) {
         line.misused("the question is missing: FormulaFile, --ask, --deadlock, --questions or "
                      "--actions");
     }
-    line.expect(formulaFile ? 3 : 2);
+    line.expect(formulaFile ? 2 : 1, true);
     many = line.has("questions") || line.has("actions") || line.all("ask").size() > 1;
-    asked.lengths.to =
-        static_cast<int>(line.numberIn(line.operands.back(), "PathLen", 0, greatestPathLength));
+    if (line.operands.size() == (formulaFile ? 3U : 2U)) {
+        asked.lengths.to =
+            static_cast<int>(line.numberIn(line.operands.back(), "PathLen", 0, greatestPathLength));
+    }
     asked.lengths.any = line.has("any");
+    if (line.has("any") && line.has("least")) line.misused("--any or --least");
     seconds = line.number("time", 1, greatestPathLength, 0);
     prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
     proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
@@ -104,6 +113,10 @@ Call::Call(const CommandLine& line) {
     show = showOf(format);
     if (show == nullptr) {
         line.misused("--format needs text, json, vcd, dot or html, not '" + format + "'");
+    }
+    follow = line.has("follow");
+    if (follow && (!many || format == "json")) {
+        line.misused("--follow needs several questions, and their table");
     }
     if (line.has("paths") && !many) line.misused("--paths needs several questions");
     if (many && format != "text" && format != "json" && !line.has("paths")) {
@@ -135,12 +148,14 @@ void show(const Call& call, const Answers& answers) {
     }
 }
 
-void showMany(const CommandLine& line, const Call& call, const Answers& answers) {
+void showMany(const CommandLine& line, const Call& call, const Answers& answers,
+              const Progress& progress) {
     if (call.format == "json") {
         answers.showJson(std::cout);
     } else {
-        std::cout << '\n';
-        answers.showTable(std::cout);
+        for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
+            if (!call.follow || !progress.told(q)) std::cout << answers.line(q) << '\n';
+        }
     }
     if (line.has("paths")) {
         answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
@@ -192,10 +207,13 @@ int main(int argc, char* argv[]) {
     std::optional<OutputFile> certificate;
     if (line.has("certificate")) beginCertificate(certificate, line.value("certificate", ""));
     const FlatNetwork network(model);
-    Board board(network, std::move(conditions), {call.asked.lengths.to, call.asked.lengths.any});
+    Board board(network, std::move(conditions),
+                {call.asked.lengths.to, call.asked.lengths.any, line.has("least")});
     Answers answers(model, call.asked, names);
-    std::ostream& table = call.format == "json" ? std::cerr : std::cout;
-    Progress progress(call.asked, call.many ? &table : nullptr);
+    Portfolio portfolio(board);
+    std::ostream& verdicts = call.follow ? std::cout : std::cerr;
+    Progress progress(call.asked, call.many ? &verdicts : nullptr);
+    Interrupt interrupt;
     std::optional<Prover> prover;
     if (call.prove) {
         prover.emplace(
@@ -209,7 +227,9 @@ int main(int argc, char* argv[]) {
                             }});
     }
     const auto late = [&] {
-        return call.seconds > 0 && Clock::now() >= begin + std::chrono::seconds(call.seconds);
+        const bool over =
+            call.seconds > 0 && Clock::now() >= begin + std::chrono::seconds(call.seconds);
+        return over || interrupt.came() || (prover && prover->interrupted());
     };
     const auto learn = [&](std::size_t q) {
         Known& known = answers.known(q);
@@ -220,8 +240,10 @@ int main(int argc, char* argv[]) {
     };
     Board::Listener listener;
     listener.refuted = [&](std::span<const std::size_t> questions) {
-        for (const std::size_t q : questions) learn(q);
-        progress.refuted(answers);
+        for (const std::size_t q : questions) {
+            learn(q);
+            progress.refuted(answers, q);
+        }
     };
     listener.found = [&](std::size_t q) {
         learn(q);
@@ -230,17 +252,24 @@ int main(int argc, char* argv[]) {
     };
     listener.unreachable = [&](std::size_t q) {
         learn(q);
-        progress.unreachable(answers, q);
+        progress.settled(answers, q);
     };
-    if (call.seconds > 0 || call.prove) {
-        listener.stop = [&] { return late() || (prover && prover->ready()); };
-    }
+    listener.closed = listener.unreachable;
+    bool ended = false;
+    Clock::time_point looked = begin;
+    listener.stop = [&] { // asked so often that a look each time would cost a tenth of short queries
+        const Clock::time_point now = Clock::now();
+        if (ended || now - looked < std::chrono::milliseconds(1)) return ended;
+        looked = now;
+        progress.live([&] { return portfolio.status(); });
+        ended = late();
+        return ended || (prover && prover->ready());
+    };
     if (call.prove) {
         listener.proving = [&] {
             return prover->working() || Clock::now() < begin + call.proveSeconds;
         };
     }
-    Portfolio portfolio(board);
     portfolio.run(listener);
     while (prover && prover->working() && !late()) {
         if (prover->ready()) {
@@ -257,7 +286,7 @@ int main(int argc, char* argv[]) {
     }
 
     if (call.many) {
-        showMany(line, call, answers);
+        showMany(line, call, answers, progress);
     } else {
         show(call, answers);
     }

@@ -100,7 +100,6 @@ void Prover::take(const Board::Listener& listener) {
     const std::optional<Proof> came = std::move(proof);
     const std::string source = checker->name();
     end(); // before all that may end the process
-    if (signal != 0) dieBy(signal);
     if (came && ofInterest()) {
         board.tell(&listener);
         switch (came->kind) {

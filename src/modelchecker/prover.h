@@ -7,7 +7,7 @@
 //  - what it calls refuted has to come with a path, which is replayed on the network. The search
 //    takes it for the shortest so far.
 //
-// While a model checker is at work, a signal that asks the process to end is held back until take.
+// While a model checker is at work, a signal that asks the process to end is noticed here.
 
 #pragma once
 
@@ -48,10 +48,11 @@ public:
     void wait();
     /// Whether it is working on a question.
     [[nodiscard]] bool working() const { return checker != nullptr; }
+    /// Whether a signal came that asks the process to end. Then nothing is taken any more.
+    [[nodiscard]] bool interrupted() const { return signal != 0; }
     /// Tells the board and its listener what came out, if the question is still of interest, and
-    /// begins with the next one; not while the search runs. Ends the process by a signal that came,
-    /// and with status 1 and one line on standard error where a certificate or a witness is
-    /// refused.
+    /// begins with the next one; not while the search runs. Ends the process with status 1 and one
+    /// line on standard error where a certificate or a witness is refused.
     void take(const Board::Listener& listener);
 
 private:

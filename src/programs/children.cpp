@@ -112,10 +112,13 @@ pid_t Children::start(const Launch& launch) {
     arguments.reserve(words.size() + 1);
     for (std::string& word : words) arguments.push_back(word.data());
     arguments.push_back(nullptr);
+    // A child can be asked to end whoever holds such requests back here.
+    sigset_t unheld = before;
+    for (const int request : {SIGINT, SIGTERM}) sigdelset(&unheld, request);
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) return 0;
-    if (child == 0) become(launch, arguments, parent, before);
+    if (child == 0) become(launch, arguments, parent, unheld);
     // The child does it too: whoever is first.
     setpgid(child, child);
     running.insert(child);

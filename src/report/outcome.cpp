@@ -34,6 +34,10 @@ Outcome outcomeOf(const Known& known, const Lengths& lengths) {
         return {Kind::path,
                 " of " + steps(known.path->k) + (told ? "" : ", not known to be the shortest")};
     }
+    if (known.path && known.refuted < lengths.to) {
+        return {Kind::open,
+                ofLengths(lengths.to) + " is known; there is one of " + steps(known.path->k)};
+    }
     if (known.refuted < 0) return {Kind::open, "no length is decided"};
     const std::string range = ofLengths(known.refuted);
     if (known.refuted < lengths.to) return {Kind::open, range + ", longer ones not looked at"};

@@ -5,6 +5,7 @@
 #include "certificate/certificate.h"
 #include "replay/path.h"
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,7 +23,9 @@ struct Known {
 
 /// What was asked of each question: paths of 0 to `to` steps.
 struct Lengths {
-    int to = 0;
+    static constexpr int unlimited = std::numeric_limits<int>::max();
+
+    int to = unlimited;
     bool any = false; // any path will do, not only the shortest
 };
 

@@ -2,58 +2,59 @@
 
 #include "text/amounts.h"
 
-#include <algorithm>
 #include <iostream>
-#include <limits>
-#include <numeric>
 #include <unistd.h>
 
 namespace tervoxal {
 
-Progress::Progress(const Answers::Asked& asked, std::ostream* table)
-    : asked(asked), table(table), moving(isatty(STDERR_FILENO) == 1), open(asked.questions.size()) {
-    std::iota(open.begin(), open.end(), 0U);
-}
+Progress::Progress(const Answers::Asked& asked, std::ostream* verdicts)
+    : asked(asked), verdicts(verdicts), moving(isatty(STDERR_FILENO) == 1),
+      open(asked.questions.size(), true), left(open.size()) {}
 
-void Progress::refuted(const Answers& answers) {
-    if (open.empty()) return;
-    int to = std::numeric_limits<int>::max();
-    std::vector<std::size_t> rest;
-    for (const std::size_t q : open) {
-        to = std::min(to, answers.known(q).refuted);
-        if (!answers.settled(q)) {
-            rest.push_back(q);
-        } else if (table != nullptr) {
-            tell(answers.line(q));
-        }
+void Progress::refuted(const Answers& answers, std::size_t question) {
+    const int to = answers.known(question).refuted;
+    if (verdicts != nullptr) {
+        if (open[question] && answers.settled(question)) settled(answers, question);
+    } else if (to > latest) {
+        latest = to;
+        say("no path" + ofLengths(to) + ", " + shown(Clock::now() - begin));
+        if (!moving) end();
     }
-    open.swap(rest);
-    if (to < 0 || to == latest) return;
-    latest = to;
-    say("no path" + ofLengths(to) + ", " + shown(Clock::now() - begin));
-    if (!moving) end();
 }
 
 void Progress::found(const Answers& answers, std::size_t question) {
-    if (table == nullptr) {
+    if (verdicts == nullptr) {
         end();
         say("a path of " + steps(answers.known(question).path->k) + ", " +
             shown(Clock::now() - begin));
         end();
-    } else if (answers.settled(question) && std::erase(open, question) > 0) {
-        tell(answers.line(question));
+    } else if (open[question] && answers.settled(question)) {
+        settled(answers, question);
     }
 }
 
-/// Told again where all lengths that are asked for were refuted before.
-void Progress::unreachable(const Answers& answers, std::size_t question) {
-    std::erase(open, question);
-    if (table != nullptr) tell(answers.line(question));
+void Progress::settled(const Answers& answers, std::size_t question) {
+    if (open[question]) --left;
+    open[question] = false;
+    if (verdicts != nullptr) tell(answers.line(question));
+}
+
+void Progress::live(const std::function<std::string()>& status) {
+    if (!moving || Clock::now() - alive < std::chrono::seconds(1)) return;
+    alive = Clock::now();
+    std::string text = shown(alive - begin) + ", ";
+    if (verdicts != nullptr) {
+        text += std::to_string(left) + " of " + std::to_string(asked.questions.size()) +
+                " questions open, ";
+    } else if (latest >= 0) {
+        text += "no path" + ofLengths(latest) + ", ";
+    }
+    say(text + status());
 }
 
 void Progress::tell(const std::string& line) {
     end();
-    *table << line << std::endl;
+    *verdicts << line << std::endl;
 }
 
 void Progress::say(const std::string& text) {

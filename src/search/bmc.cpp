@@ -44,6 +44,11 @@ BoundedModelChecking::BoundedModelChecking(const Policy& policy)
 
 BoundedModelChecking::~BoundedModelChecking() = default;
 
+std::string BoundedModelChecking::status() const {
+    const int reached = unrolled ? unrolled->unrolling.depth() : 0;
+    return "bounded model checking, depth " + std::to_string(reached);
+}
+
 Questions BoundedModelChecking::open(const Board& board, const Questions& among) const {
     Questions open;
     for (const std::size_t q : among) {

@@ -39,6 +39,7 @@ public:
     explicit BoundedModelChecking(const Policy& policy);
     ~BoundedModelChecking() override;
 
+    [[nodiscard]] std::string status() const override;
     [[nodiscard]] std::int64_t cost() const override { return spent; }
     [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
     void turn(Board& board, const Questions& open, bool alone) override;

@@ -87,7 +87,9 @@ void Board::offer(const Run& run) {
 }
 
 void Board::close(std::size_t question) {
-    entries[question].closed = entries[question].found && !range.least;
+    if (range.least || !entries[question].found || entries[question].closed) return;
+    entries[question].closed = true;
+    if (listener != nullptr && listener->closed) listener->closed(question);
 }
 
 std::string Board::exclude(std::span<const std::size_t> questions, const Certificate& certificate) {

@@ -59,6 +59,7 @@ public:
             refuted;                            // a longer length of some of them
         std::function<void(std::size_t)> found; // a path, or a shorter one
         std::function<void(std::size_t)> unreachable;
+        std::function<void(std::size_t)> closed; // enough was spent on a shorter path
         /// Asked often: whether to end before the answer. It may only look.
         std::function<bool()> stop;
         /// Whether to go on for a proof where all lengths are refuted that are asked for. What it

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace tervoxal {
@@ -21,6 +22,8 @@ public:
     Engine& operator=(const Engine&) = delete;
     virtual ~Engine() = default;
 
+    /// What it is and how far it has come, for who waits: "bounded model checking, depth 31".
+    [[nodiscard]] virtual std::string status() const = 0;
     /// What it has cost so far. The unit is the time that it takes to give a solver one literal of
     /// a clause, about 0.2 us; it is counted, not measured, so that the same input gives the same
     /// turns.

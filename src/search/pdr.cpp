@@ -12,6 +12,10 @@ PropertyDirectedReachability::PropertyDirectedReachability(const Board& board,
                                                            const Parameters& parameters)
     : board(board), network(board.network), parameters(parameters), lemmas(1) {}
 
+std::string PropertyDirectedReachability::status() const {
+    return "property directed reachability, frame " + std::to_string(lemmas.size() - 1);
+}
+
 Questions PropertyDirectedReachability::open(const Board& board, const Questions& among) const {
     Questions open;
     for (const std::size_t q : among) {

@@ -53,6 +53,7 @@ public:
         : PropertyDirectedReachability(board, Parameters()) {}
     PropertyDirectedReachability(const Board& board, const Parameters& parameters);
 
+    [[nodiscard]] std::string status() const override;
     [[nodiscard]] std::int64_t cost() const override { return spent; }
     /// Questions without a path; where a proof is asked for, also those whose lengths are refuted.
     [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;

@@ -50,6 +50,8 @@ void Portfolio::run(const Board::Listener& listener) {
     board.tell(nullptr);
 }
 
+std::string Portfolio::status() const { return current == nullptr ? "begins" : current->status(); }
+
 /// A turn of the engine that has cost the least in this visit; false where the visit is over.
 bool Portfolio::turn() {
     if (spent >= share) return false;
@@ -70,7 +72,9 @@ bool Portfolio::turn() {
     }
     if (best == nullptr) return false;
     const std::int64_t begin = best->cost();
+    current = best;
     best->turn(board, open, working == 1 && share == unlimited);
+    current = nullptr;
     spent += best->cost() - begin;
     if (asked.size() == 1 && board[asked[0]].found) {
         shortened[asked[0]] += best->cost() - begin;

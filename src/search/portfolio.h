@@ -14,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace tervoxal {
@@ -29,7 +30,7 @@ public:
         std::int64_t alone = 500000;
         /// What is spent on shorter paths once there is one, about 4 s; then the question is
         /// closed.
-        std::int64_t shortening = 20000000;
+        std::int64_t shortening = 3000000;
     };
 
     /// All engines for the board, which must outlive it.
@@ -42,6 +43,9 @@ public:
     /// was stopped.
     void run(const Board::Listener& listener);
 
+    /// What is being done, for who waits.
+    [[nodiscard]] std::string status() const;
+
 private:
     [[nodiscard]] bool turn();
     [[nodiscard]] bool nextVisit();
@@ -49,6 +53,7 @@ private:
     Board& board;
     Engines lasting;
     Engines visiting; // of the visit at hand
+    const Engine* current = nullptr;
     const std::function<Engines()> make;
     const Parameters parameters;
     Questions asked;                     // in the visit at hand

@@ -83,8 +83,9 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
     if (command.most >= 0 && count > command.most) expect(static_cast<std::size_t>(command.most));
 }
 
-void CommandLine::expect(std::size_t number) const {
+void CommandLine::expect(std::size_t number, bool oneMore) const {
     if (operands.size() < number) misused("missing operand");
+    if (oneMore) ++number;
     if (operands.size() > number) misused("extra operand '" + operands[number] + "'");
 }
 

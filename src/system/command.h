@@ -50,8 +50,9 @@ public:
     /// `what` as the text's name.
     [[nodiscard]] long numberIn(const std::string& text, const std::string& what, long least,
                                 long most) const;
-    /// Ends the process like a bad call unless there are that many operands.
-    void expect(std::size_t number) const;
+    /// Ends the process like a bad call unless there are that many operands, or one more that may
+    /// be left out.
+    void expect(std::size_t number, bool oneMore = false) const;
     /// Ends the process with status 1, the message and a hint at --help on standard error.
     [[noreturn]] void misused(const std::string& message) const;
 
