@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace tervoxal {
 
@@ -20,6 +21,7 @@ public:
     MarkingEquation();
     ~MarkingEquation() override;
 
+    [[nodiscard]] std::string status() const override { return "marking equation"; }
     [[nodiscard]] std::int64_t cost() const override;
     /// Undecided questions that it has not given up on, none where there is no library for it.
     [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
