@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tervoxal {
@@ -43,6 +44,7 @@ public:
 
     /// What is spent in vain counts several times over, so that others get more of the turns where
     /// walks find nothing.
+    [[nodiscard]] std::string status() const override { return "random walks"; }
     [[nodiscard]] std::int64_t cost() const override { return spent; }
     /// Questions without a path.
     [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
