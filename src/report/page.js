@@ -442,7 +442,7 @@ document.addEventListener("DOMContentLoaded", () => {
         part("first").disabled = part("previous").disabled = position === 0;
         part("last").disabled = part("next").disabled = position === steps.length;
         part("undo").disabled = undone.length === 0;
-        part("save").disabled = steps.length === 0;
+        part("save").disabled = part("play").disabled = steps.length === 0;
     }
 
     // ---- Where the page is ----------------------------------------------------------------------

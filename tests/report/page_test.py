@@ -144,6 +144,15 @@ def saved():
     raise AssertionError("nothing was saved")
 
 
+def race_page(question):
+    """Both processes of the race look before either raises its flag."""
+    changes = {11: [[1, 0, 1]], 21: [[2, 0, 1]], 12: [[1, 1, 2], [3, 0, 1]],
+               22: [[2, 1, 2], [4, 0, 1]]}
+    walk = [{"action": action, "changes": of} for action, of in changes.items()]
+    (page_dir / "race.json").write_text(json.dumps({"walk": walk}))
+    return run("tervoxal-path", "--format=html", question, "--walk=race.json", EXAMPLES / "race")
+
+
 class Page(unittest.TestCase):
     def tearDown(self):
         self.assertEqual([entry for entry in browser.get_log("browser")
@@ -199,7 +208,7 @@ class Page(unittest.TestCase):
 
     def test_path(self):
         question = "--ask=critical1 & critical2"
-        open_page(run("tervoxal-solve", "--format=html", question, EXAMPLES / "race", "9"))
+        open_page(race_page(question))
         actions = texts(".line:not(.titles) .action")
         self.assertEqual([text.split()[0] for text in actions], ["start", "11", "21", "12", "22"])
         self.assertEqual(texts(".line:not(.titles) .marks"), ["", "", "", "A", "★ AB"])
@@ -230,7 +239,7 @@ class Page(unittest.TestCase):
         self.assertIn(b"* step 4: 22 raise flag 2, enter", replayed)
 
     def test_loop(self):
-        page = run("tervoxal-solve", "--format=html", "--ask=critical1", EXAMPLES / "race", "9")
+        page = race_page("--ask=critical1")
         open_page(page.replace(b'"network":"', b'"loop":1,"network":"'), "#step=1")
         self.assertEqual(texts(".end-line .action"), ["↻ goes on at state 1"])
         self.assertEqual(position(), "1")
