@@ -78,8 +78,7 @@ void BoundedModelChecking::leap(Board& board, const Questions& open, bool alone)
     }
 }
 
-/// The next depth up, for those that it is open for. Strides grow while answers are easy: on hard
-/// ones, a few depths at a time are refuted deeper in the same time than more.
+/// The next depth up, for those that it is open for. Strides grow as long as there are answers.
 void BoundedModelChecking::climb(Board& board, const Questions& open, bool alone) {
     int base = board.range.to;
     for (const std::size_t q : open) base = std::min(base, board[q].refuted);
@@ -92,11 +91,10 @@ void BoundedModelChecking::climb(Board& board, const Questions& open, bool alone
         if (board[q].refuted < next && board.limit(q) >= next) asked.push_back(q);
     }
     const bool patient = alone && stride == 1;
-    const std::int64_t before = unrolled->solver.conflicts();
     if (ask(board, next, asked, patient ? unlimited : conflicts) == Solver::Verdict::unknown) {
         if (stride == 1) conflicts *= 2;
         stride = std::max(1, (next - base) / 2);
-    } else if (unrolled->solver.conflicts() - before < conflicts / 4) {
+    } else {
         stride = std::min(2 * stride, std::max(1, next / 2));
     }
 }

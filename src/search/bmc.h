@@ -65,7 +65,8 @@ private:
 
 /// Relaxed ordered (E) steps to any depth: mostly a path within a few steps if there is one.
 inline constexpr BoundedModelChecking::Policy seekingPolicy{StepKind::relaxed, true, false, 1000};
-/// Independent (A) steps: refutes lengths of concurrent networks in few steps.
+/// Independent (A) steps: refutes lengths where one action in a step costs the solver more than
+/// many. Of `guests 4000 4 3` (bench), 562 lengths are refuted in 4 s with it, and 316 without.
 inline constexpr BoundedModelChecking::Policy refutingPolicy{StepKind::independent, false, false,
                                                              2000};
 /// Interleaving: refutes lengths one by one, and finds the least.
