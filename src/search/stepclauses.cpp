@@ -122,8 +122,9 @@ void Maker::atMostOne(Says what, std::span<const int> literals) {
     atMostOne(what, columns);
 }
 
-/// The distances of an automaton from those that are looked at, by actions that they share. What
-/// actions in an order do to an automaton has to be told all at once.
+/// The distance of an automaton from the roots of the cone, in actions that two automata share. In
+/// a relaxed step the values of an automaton are chained through all of its actions, so there the
+/// whole cone is at distance 0.
 void Maker::measureDistances() {
     distances.assign(network.automata.size(), 0);
     if (scope.cone.empty()) return;

@@ -53,8 +53,9 @@ struct Scope {
     StepKind kind;
     /// From the initial state, or else from any.
     bool initial = true;
-    /// By automaton: only what can have to do with these at the last position, so that a run may
-    /// lack actions that have nothing to do with them. Empty: all that can happen.
+    /// By automaton, the roots of the cone of influence: only what their locations at the last
+    /// position can depend on is unrolled, so a run lacks the actions that make no difference to
+    /// them. Empty: everything is unrolled.
     std::vector<bool> cone{};
 };
 
@@ -63,13 +64,12 @@ struct StepClauses {
     StepClauses(const FlatNetwork& network, const Scope& scope, Says without);
 
     struct Variable {
-        uint level;    // it is false in that many of the first steps
-        uint distance; // it matters only that many steps before the last position, or more
-        uint offset;   // among those of a state, or of a step, of the same distance
+        uint level;    // it is false in the first `level` steps
+        uint distance; // the cone holds it from that many steps before the last position backward
+        uint offset;   // its index among those of a state, or of a step, of the same distance
     };
     std::vector<Variable> variables; // from 1 on
-    /// How many there are of those of a state and of those of a step, by how far from the last
-    /// position they matter.
+    /// The number of variables of a state, and of a step, at each distance.
     std::vector<uint> stateBlocks;
     std::vector<uint> stepBlocks;
     int stateSize = 0;
@@ -78,9 +78,10 @@ struct StepClauses {
     std::vector<int> moves;  // the action where the participant has no choice
     std::vector<uint> order; // of the actions in a step
 
-    /// Closed by zeros, by ascending distance from the last position.
+    /// Each closed by a 0, by ascending distance: that of a clause is the greatest one of its
+    /// variables.
     std::vector<int> clauses;
-    /// The end of those that matter one step before the last position, two, ...
+    /// The end of those of distance 1, of distance 2, ...
     std::vector<std::size_t> clausesEnd;
     std::vector<int> stateClauses; // of a state alone
     uint lastLevel = 0;

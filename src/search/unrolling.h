@@ -55,8 +55,8 @@ public:
     const FlatNetwork& network;
 
 private:
-    /// The first variable of each block of a state or of a step: those that matter in the last
-    /// state, one step before it, two, ... Only what has come to matter has variables.
+    /// Of a state or of a step, the first variable of each distance. Variables are allotted when
+    /// the last position is so far away that the cone holds them.
     using Blocks = std::vector<int>;
     void allot(Blocks& blocks, const std::vector<uint>& sizes, std::size_t distance);
     void start();
@@ -79,8 +79,8 @@ private:
     std::vector<Blocks> states; // by position
     std::vector<Blocks> steps;  // by the position that they come to
     std::vector<Fact> facts;
-    std::vector<uint> starting; // locations by how far from the last position they matter
-    std::size_t started = 0;    // those that are told what they are at position 0
+    std::vector<uint> starting; // locations by their distance
+    std::size_t started = 0;    // how many of them have their initial value by now
     std::vector<int> shifted;   // the clauses at hand
     std::int64_t given = 0;
 };
