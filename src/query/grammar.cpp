@@ -28,7 +28,7 @@ constexpr std::array<Form, 13> forms = {
      {Grammar::whole, "enabled(x)", "the action of that name or number is possible"},
      {Grammar::whole, "at(a, l)", "automaton a is in its location l, by names or numbers"},
      {Grammar::ofFormulas, "\"a name\"", "any name that holds blanks, operators or brackets;"},
-     {Grammar::ofFormulas, "", "\\\" and \\\\ stand for \" and \\ in it"}}};
+     {Grammar::ofFormulas, "", R"(\" and \\ stand for " and \ in it)"}}};
 
 } // namespace
 
