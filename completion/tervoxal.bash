@@ -14,6 +14,11 @@ _tervoxal() {
     fi
     case $option in
     --format) mapfile -t COMPREPLY < <(compgen -W $'text\njson\nvcd\ndot\nhtml' -- "$word") ;;
+    --without)
+        mapfile -t COMPREPLY < <(
+            compgen -W $'dead-action\ndead-end\nnear-number\nunnamed-action\nunreachable' -- "$word"
+        )
+        ;;
     --solver) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
     --ask)
         # Not COMP_WORDS: after an open quote the rest of the line is one word.

@@ -1,6 +1,9 @@
 #include "lint/networkcheck.h"
 
+#include "lint/actionnotes.h"
 #include "lint/keywords.h"
+#include "lint/listed.h"
+#include "model/names.h"
 #include "model/networkgrammar.h"
 #include "model/ntamodel.h"
 #include "model/section.h"
@@ -128,8 +131,8 @@ public:
         return nextAutomaton(fault.kind);
     }
 
-    /// The last word, at the end of the file.
-    CheckedNetwork finished();
+    /// The last word, at the end of the file. text: what it holds.
+    CheckedNetwork finished(std::istream& text, const std::string& file);
 
 private:
     struct Name {
@@ -142,12 +145,10 @@ private:
         return line.slip.empty() ? "" : ": " + line.slip;
     }
     [[nodiscard]] std::string automatonText() const {
-        return "automaton " + std::to_string(automaton) +
-               (name.empty() ? "" : ' ' + inQuotes(name));
+        return "automaton " + numbered(static_cast<uint>(automaton), name);
     }
 
-    /// "location 3", "locations 3, 4 \"idle\" and 5", "locations 3, 4, 5, 6, 7 and 20 others".
-    [[nodiscard]] std::string listed(const std::vector<uint>& locations) const;
+    [[nodiscard]] std::string locationsText(const std::vector<uint>& locations) const;
     void checkTitle(const std::string& what);
     void checkKeyword(std::string_view keyword) {
         if (beginsWithDigit(std::string_view(lines.text).substr(keyword.size()))) {
@@ -180,6 +181,9 @@ private:
     /// unless a declaration follows, before which one of them was too many.
     bool nextAutomaton(NetworkFault::Kind kind);
     void checkUndeclared(const NetworkFault& fault);
+    [[nodiscard]] long declarationOf(uint l) const {
+        return std::ranges::find(locationLines, l, &std::pair<uint, long>::first)->second;
+    }
     void checkReach(std::map<uint, std::vector<uint>> sources);
 
     Lines& lines;
@@ -190,6 +194,8 @@ private:
     std::map<uint, Name> actionNames;
     std::map<uint, Name> propNames;
     std::map<uint, bool> possibleAtStart; // each action
+    std::vector<ActionUse> uses;
+    std::set<uint> neverTaken; // actions that some automaton never takes
 
     // The automaton that is read.
     int automaton = 0;
@@ -202,20 +208,11 @@ private:
     std::map<uint, Name> locationNames;
 };
 
-std::string NetworkChecker::listed(const std::vector<uint>& locations) const {
-    constexpr std::size_t most = 5;
-    const std::size_t told = std::min(most, locations.size());
-    std::string text = locations.size() == 1 ? "location " : "locations ";
-    for (std::size_t i = 0; i < told; ++i) {
-        const bool last = i + 1 == locations.size();
-        text += (i == 0 ? "" : last ? " and " : ", ") + std::to_string(locations[i]);
-        const auto named = locationNames.find(locations[i]);
-        if (named != locationNames.end()) text += ' ' + inQuotes(named->second.text);
-    }
-    if (told < locations.size()) {
-        text += " and " + std::to_string(locations.size() - told) + " others";
-    }
-    return text;
+std::string NetworkChecker::locationsText(const std::vector<uint>& locations) const {
+    return listed("location", "locations", locations, [&](uint l) {
+        const auto named = locationNames.find(l);
+        return named == locationNames.end() ? "" : named->second.text;
+    });
 }
 
 void NetworkChecker::checkTitle(const std::string& what) {
@@ -291,6 +288,12 @@ void NetworkChecker::closed() {
         bool& possible = possibleAtStart.try_emplace(action, true).first->second;
         possible = possible && from.front() == 0;
     }
+    std::set<uint> used;
+    for (const auto& [t, line] : transitions) {
+        if (used.insert(t.action).second) {
+            uses.push_back({t.action, static_cast<uint>(automaton), line});
+        }
+    }
     checkReach(std::move(sources));
 }
 
@@ -331,15 +334,23 @@ void NetworkChecker::checkReach(std::map<uint, std::vector<uint>> sources) {
     }
 
     std::vector<uint> unreached;
+    std::vector<uint> ends;
     for (const uint l : section.locations) {
-        if (!reached[l]) unreached.push_back(l);
+        const auto move = std::lower_bound(moves.begin(), moves.end(), std::pair(l, 0U));
+        if (!reached[l]) {
+            unreached.push_back(l);
+        } else if (move == moves.end() || move->first != l) {
+            ends.push_back(l);
+        }
+    }
+    if (!ends.empty() && !moves.empty()) {
+        findings.note("dead-end", declarationOf(ends.front()),
+                      automatonText() + ": no transition leaves " + locationsText(ends));
     }
     if (unreached.empty()) return;
-    const auto declared =
-        std::find_if(locationLines.begin(), locationLines.end(),
-                     [&](const auto& location) { return location.first == unreached.front(); });
-    findings.warn(declared->second, automatonText() + ": " + listed(unreached) +
-                                        " cannot be reached from location 0");
+    findings.note("unreachable", declarationOf(unreached.front()),
+                  automatonText() + ": " + locationsText(unreached) +
+                      " cannot be reached from location 0");
 
     std::erase_if(sources, [&](const auto& action) {
         return std::any_of(action.second.begin(), action.second.end(),
@@ -350,14 +361,16 @@ void NetworkChecker::checkReach(std::map<uint, std::vector<uint>> sources) {
         if (action == sources.end()) continue;
         std::vector<uint>& from = action->second;
         from.erase(std::unique(from.begin(), from.end()), from.end());
-        findings.warn(line, automatonText() + " can never take action " + std::to_string(t.action) +
-                                ": it does so in " + listed(from) +
-                                " alone, which cannot be reached");
+        findings.note("unreachable", line,
+                      automatonText() + " can never take action " + std::to_string(t.action) +
+                          ": it does so in " + locationsText(from) +
+                          " alone, which cannot be reached");
+        neverTaken.insert(t.action);
         sources.erase(action);
     }
 }
 
-CheckedNetwork NetworkChecker::finished() {
+CheckedNetwork NetworkChecker::finished(std::istream& text, const std::string& file) {
     const long needed = 2 * bits;
     if (!findings.refused() && needed > mostVariables) {
         findings.error(closingLine, "path needs " + std::to_string(needed) +
@@ -372,6 +385,13 @@ CheckedNetwork NetworkChecker::finished() {
                       (possibleAtStart.empty() ? "no automaton has a transition"
                                                : "no action is possible at the start") +
                           std::string(", the network makes no step"));
+    } else {
+        NetTimedModel model;
+        Names known;
+        text.clear();
+        text.seekg(0);
+        readNamedNetwork(model, known, text, file);
+        noteActions(model, known, std::move(uses), neverTaken, findings);
     }
     return {true, std::move(carried)};
 }
@@ -385,7 +405,7 @@ CheckedNetwork checkNetwork(const std::string& file, Diagnostics& findings) {
     Lines lines(in);
     NetworkChecker checker(lines, findings);
     NetworkParser(lines, checker).network();
-    return checker.finished();
+    return checker.finished(in, file);
 }
 
 } // namespace tervoxal

@@ -8,10 +8,16 @@
 #include "text/diagnostics.h"
 #include "text/uint.h"
 
+#include <array>
 #include <set>
 #include <string>
+#include <string_view>
 
 namespace tervoxal {
+
+/// The kinds of notes that are a matter of opinion.
+inline constexpr std::array<std::string_view, 5> noteKinds = {
+    "dead-action", "dead-end", "near-number", "unnamed-action", "unreachable"};
 
 /// What is known of a network whose file was checked.
 struct CheckedNetwork {

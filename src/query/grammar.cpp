@@ -27,7 +27,7 @@ constexpr std::array<Form, 13> forms = {
      {Grammar::whole, "deadlock", "no action is possible"},
      {Grammar::whole, "enabled(x)", "the action of that name or number is possible"},
      {Grammar::whole, "at(a, l)", "automaton a is in its location l, by names or numbers"},
-     {Grammar::ofFormulas, "\"a name\"", "any name that holds blanks, operators or brackets;"},
+     {Grammar::ofFormulas, R"("a name")", "any name that holds blanks, operators or brackets;"},
      {Grammar::ofFormulas, "", R"(\" and \\ stand for " and \ in it)"}}};
 
 } // namespace

@@ -5,7 +5,9 @@
 #include <cstddef>
 #include <map>
 #include <ostream>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tervoxal {
@@ -15,8 +17,17 @@ namespace tervoxal {
 /// file makes a flood of them.
 class Diagnostics {
 public:
+    Diagnostics() = default;
+    /// Leaves out the notes of these kinds.
+    explicit Diagnostics(std::set<std::string> without) : without(std::move(without)) {}
+
     void error(long line, const std::string& text) { add(line, Kind::error, text); }
     void warn(long line, const std::string& text) { add(line, Kind::warning, text); }
+
+    /// A warning that is a matter of opinion. Its kind stands after the text, in brackets.
+    void note(const std::string& kind, long line, const std::string& text) {
+        if (!without.contains(kind)) warn(line, text + " [" + kind + ']');
+    }
 
     [[nodiscard]] bool empty() const { return found.empty(); }
     [[nodiscard]] bool refused() const { return errors; }
@@ -39,6 +50,7 @@ private:
 
     void add(long line, Kind kind, const std::string& text);
 
+    std::set<std::string> without;
     std::vector<Finding> found;
     std::map<std::string, Alike> alike;
     bool errors = false;

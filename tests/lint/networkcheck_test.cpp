@@ -5,6 +5,8 @@
 
 #include "network.h"
 
+#include <regex>
+
 namespace tervoxal {
 
 namespace {
@@ -16,6 +18,25 @@ struct Mistake {
 };
 
 const std::string stuck = "the network makes no step";
+/// The kinds that the tests of single automata leave out.
+const std::set<std::string> ofActions = {"dead-action", "dead-end", "near-number",
+                                         "unnamed-action"};
+
+/// What is told of a network, with its name, lines and the kinds of notes.
+std::string told(const Scratch& dir, const std::set<std::string>& without) {
+    Diagnostics findings(without);
+    const bool sound = checkNetwork(dir.path / "net.in", findings).taken;
+    EXPECT_EQ(sound, !findings.refused());
+    std::ostringstream out;
+    findings.show(out, "");
+    EXPECT_EQ(findings.empty(), out.str().empty());
+    return out.str();
+}
+
+/// The same without the kinds.
+std::string withoutKinds(const std::string& text) {
+    return std::regex_replace(text, std::regex(R"( \[[a-z-]+\]( \(and .*)?\n)"), "$1\n");
+}
 
 std::vector<Mistake> mistakes() {
     std::ifstream in(TEST_DATA "/mistakes.tsv");
@@ -89,13 +110,7 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
             std::string text;
             for (const std::string& line : lines) text += line + '\n';
             dir.write("net.in", text);
-            Diagnostics findings;
-            const bool taken = checkNetwork(dir.path / "net.in", findings).taken;
-            std::ostringstream out;
-            findings.show(out, "");
-            EXPECT_EQ(taken, !findings.refused());
-            EXPECT_EQ(findings.empty(), out.str().empty());
-            return out.str();
+            return withoutKinds(told(dir, ofActions));
         };
         const std::vector<std::string> places = placesOf(lines);
         std::istringstream old(check()); // of locations that cannot be reached
@@ -147,7 +162,7 @@ TEST(NetworkCheck, tellsOfEachMistakeInItsLine) {
 
 TEST(NetworkCheck, tellsWhatCannotBeReached) {
     const Scratch dir;
-    std::size_t told = 0;
+    std::size_t seen = 0;
     for (uint seed = 1; seed <= 300; ++seed) {
         Random random(seed);
         const std::string network = randomNetwork(random, 1 + random() % 3);
@@ -178,17 +193,14 @@ TEST(NetworkCheck, tellsWhatCannotBeReached) {
                 due.insert({local.first, local.second});
             }
         }
-        Diagnostics findings;
-        EXPECT_TRUE(checkNetwork(dir.path / "net.in", findings).taken);
-        std::ostringstream out;
-        findings.show(out, "");
-        EXPECT_EQ(out.str().find(stuck) != std::string::npos,
+        const std::string text = withoutKinds(told(dir, ofActions));
+        EXPECT_EQ(text.find(stuck) != std::string::npos,
                   std::ranges::none_of(model.actionAutomata, [&](const auto& action) {
                       return std::ranges::all_of(action.second, [&](uint a) {
                           return model.actionEdges.at({a, action.first}).begin()->first == 0;
                       });
                   }));
-        std::istringstream lines(out.str());
+        std::istringstream lines(text);
         std::multiset<std::vector<uint>> found;
         for (std::string line; std::getline(lines, line);) {
             const std::size_t never = line.find(": it does so"); // or none, then the whole line
@@ -206,10 +218,75 @@ TEST(NetworkCheck, tellsWhatCannotBeReached) {
             if (!line.ends_with("alone, which cannot be reached")) numbers.pop_back();
             found.insert(numbers);
         }
-        EXPECT_EQ(found, due) << network << out.str();
-        told += due.size();
+        EXPECT_EQ(found, due) << network << text;
+        seen += due.size();
     }
-    EXPECT_GT(told, 100U);
+    EXPECT_GT(seen, 100U);
+}
+
+TEST(NetworkCheck, tellsWhatNoRunTakesAndWhereAutomataEnd) {
+    const Scratch dir;
+    std::size_t dead = 0;
+    std::size_t ends = 0;
+    for (uint seed = 1; seed <= 400; ++seed) {
+        Random random(seed);
+        const std::string network = randomNetwork(random, 2 + random() % 3);
+        dir.write("net.in", network);
+        NetTimedModel model;
+        read(model, dir.path / "net");
+        // The rounds of actions whose automata all have come to a source, until none adds any.
+        std::set<NetTimedModel::Location> reached;
+        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) reached.insert({a, 0});
+        const auto ready = [&](uint a, uint x) {
+            return std::ranges::any_of(model.actionEdges.at({a, x}), [&](const auto& move) {
+                return reached.contains({a, move.first});
+            });
+        };
+        const auto possible = [&](const auto& action) {
+            return std::ranges::all_of(action.second,
+                                       [&](uint a) { return ready(a, action.first); });
+        };
+        for (std::size_t size = 0; size != reached.size();) {
+            size = reached.size();
+            for (const auto& action : model.actionAutomata) {
+                if (!possible(action)) continue;
+                for (const uint a : action.second) {
+                    for (const auto& [source, target] : model.actionEdges.at({a, action.first})) {
+                        if (reached.contains({a, source})) reached.insert({a, target});
+                    }
+                }
+            }
+        }
+        const std::string text = told(dir, {});
+        SCOPED_TRACE(network + text);
+        const bool makesSteps = text.find(stuck) == std::string::npos;
+        for (const auto& action : model.actionAutomata) {
+            const std::string number = std::to_string(action.first);
+            const bool noted = std::regex_search(
+                text, std::regex("(no run can take|can never take) action " + number + "\\b"));
+            EXPECT_EQ(noted, !possible(action) && (noted || makesSteps)) << number;
+            dead += noted ? 1 : 0;
+        }
+        for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a) {
+            std::set<uint> sources;
+            std::set<uint> targets = {0};
+            for (const auto& [edge, nothing] : model.edges) {
+                if (edge.first.first != a) continue;
+                sources.insert(edge.second.first);
+                targets.insert(edge.second.second);
+            }
+            const bool leads = std::ranges::includes(sources, targets);
+            const std::string note = "automaton " + std::to_string(a) + "\\b.*no transition leaves";
+            const bool noted = std::regex_search(text, std::regex(note));
+            // A target may be one that cannot be reached.
+            const bool allReached = text.find("reached from") == std::string::npos;
+            EXPECT_FALSE(noted && (leads || sources.empty()));
+            EXPECT_TRUE(noted || leads || sources.empty() || !allReached);
+            ends += noted ? 1 : 0;
+        }
+    }
+    EXPECT_GT(dead, 30U);
+    EXPECT_GT(ends, 30U);
 }
 
 } // namespace tervoxal
