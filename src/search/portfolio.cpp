@@ -1,6 +1,7 @@
 #include "search/portfolio.h"
 
 #include "search/bmc.h"
+#include "search/localization.h"
 #include "search/markingequation.h"
 #include "search/pdr.h"
 #include "search/randomwalk.h"
@@ -20,6 +21,7 @@ Portfolio::Engines lastingEngines(const Board& board) {
     Portfolio::Engines engines;
     engines.push_back(std::make_unique<RandomWalk>(walkPolicy));
     engines.push_back(std::make_unique<MarkingEquation>());
+    engines.push_back(std::make_unique<Localization>(board));
     engines.push_back(std::make_unique<PropertyDirectedReachability>(board));
     return engines;
 }

@@ -4,6 +4,7 @@
 #include "search/bmc.h"
 #include "search/certificatecheck.h"
 #include "search/conditionliterals.h"
+#include "search/localization.h"
 #include "search/pdr.h"
 #include "search/portfolio.h"
 
@@ -131,11 +132,19 @@ auto pdr(const Board& board) {
         board, PropertyDirectedReachability::Parameters{.turn = 7, .rebuild = 2});
 }
 
-const std::array<Team, 5> teams = {{
+const std::array<Team, 7> teams = {{
     {"relaxed steps", [](const Board&) { return team(bmc(seekingPolicy)); }, true, false},
     {"independent steps", [](const Board&) { return team(bmc(refutingPolicy)); }, true, false},
     {"interleaving", [](const Board&) { return team(bmc(leastPolicy)); }, true, true},
     {"frames", [](const Board& board) { return team(pdr(board)); }, true, false},
+    {"some automata and all",
+     [](const Board& board) { return team(std::make_unique<Localization>(board)); }, true, true},
+    {"some automata",
+     [](const Board& board) {
+         return team(std::make_unique<Localization>(
+             board, Localization::Parameters{.lead = 1, .begin = -1000000000}));
+     },
+     true, true},
     {"frames and interleaving",
      [](const Board& board) { return team(bmc(leastPolicy), pdr(board)); }, true, true},
 }};
