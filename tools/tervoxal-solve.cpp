@@ -257,14 +257,15 @@ int main(int argc, char* argv[]) {
     listener.closed = listener.unreachable;
     bool ended = false;
     Clock::time_point looked = begin;
-    listener.stop = [&] { // asked so often that a look each time would cost a tenth of short queries
-        const Clock::time_point now = Clock::now();
-        if (ended || now - looked < std::chrono::milliseconds(1)) return ended;
-        looked = now;
-        progress.live([&] { return portfolio.status(); });
-        ended = late();
-        return ended || (prover && prover->ready());
-    };
+    listener.stop =
+        [&] { // asked so often that a look each time would cost a tenth of short queries
+            const Clock::time_point now = Clock::now();
+            if (ended || now - looked < std::chrono::milliseconds(1)) return ended;
+            looked = now;
+            progress.live([&] { return portfolio.status(); });
+            ended = late();
+            return ended || (prover && prover->ready());
+        };
     if (call.prove) {
         listener.proving = [&] {
             return prover->working() || Clock::now() < begin + call.proveSeconds;
