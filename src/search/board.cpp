@@ -92,13 +92,13 @@ void Board::close(std::size_t question) {
     if (listener != nullptr && listener->closed) listener->closed(question);
 }
 
-std::string Board::exclude(std::span<const std::size_t> questions, const Certificate& certificate) {
+std::string Board::exclude(std::span<const std::size_t> questions, Certificate certificate) {
     std::vector<const Condition*> conditions;
     conditions.reserve(questions.size());
     for (const std::size_t q : questions) conditions.push_back(&entries[q].condition);
-    std::string fault = certificateFault(network, certificate, conditions);
+    std::string fault = trim(network, certificate, conditions);
     if (!fault.empty()) return fault;
-    const auto shared = std::make_shared<const Certificate>(certificate);
+    const auto shared = std::make_shared<const Certificate>(std::move(certificate));
     for (const std::size_t q : questions) {
         entries[q].unreachable = true;
         entries[q].certificate = shared;

@@ -93,8 +93,8 @@ public:
     /// Precondition: it is a run of the network.
     void offer(const Run& run);
     /// No path of any length meets the questions, if the certificate holds: gives what fails, or an
-    /// empty text.
-    std::string exclude(std::span<const std::size_t> questions, const Certificate& certificate);
+    /// empty text. It is kept without the sets that weights exclude but that it does not need.
+    std::string exclude(std::span<const std::size_t> questions, Certificate certificate);
     /// No reachable state is in one of the sets, if the weights exclude them: gives what fails, or
     /// an empty text.
     std::string learn(const Certificate::Weighed& weighed);

@@ -6,6 +6,7 @@
 #include "search/solver.h"
 #include "search/unrolling.h"
 
+#include <cstddef>
 #include <map>
 #include <utility>
 
@@ -22,25 +23,38 @@ public:
           unrolling(network, solver, Scope{StepKind::interleaving, initial}),
           literals(unrolling, solver) {}
 
-    /// From now on the last state is outside of the sets that weights exclude.
+    /// From now on the last state is outside of the sets that weights exclude, as far as they count
+    /// at all: each has a literal under which it does, which is assumed in all questions.
     void leaveWeighed() {
-        for (const Certificate::Weighed& weighed : certificate.weighed) leave(weighed.sets);
+        std::size_t i = 0;
+        for (const Certificate::Weighed& weighed : certificate.weighed) {
+            for (const int set : literalsOf(weighed.sets)) {
+                if (i == active.size()) active.push_back(solver.newVariable());
+                solver.add({-active[i++], -set});
+            }
+        }
+        needed.resize(active.size());
     }
-    void leaveSets() { leave(certificate.sets); }
+    void leaveSets() {
+        for (const int set : literalsOf(certificate.sets)) solver.add({-set});
+    }
     [[nodiscard]] bool meetsSet() { return possible(literals.some(literalsOf(certificate.sets))); }
     [[nodiscard]] bool meets(const Condition& condition) {
         return possible(literals.literal(condition, unrolling.depth()));
     }
     void step() { unrolling.step(); }
+    /// The sets that weights exclude without which something would have been possible, in a row.
+    [[nodiscard]] const std::vector<bool>& neededSets() const { return needed; }
 
 private:
     [[nodiscard]] bool possible(int literal) {
         solver.assume(literal);
-        return solver.solve(-1) == Solver::Verdict::satisfiable;
-    }
-
-    void leave(const std::vector<Certificate::Set>& sets) {
-        for (const int set : literalsOf(sets)) solver.add({-set});
+        for (const int set : active) solver.assume(set);
+        if (solver.solve(-1) == Solver::Verdict::satisfiable) return true;
+        for (std::size_t i = 0; i < active.size(); ++i) {
+            if (solver.failed(active[i])) needed[i] = true;
+        }
+        return false;
     }
 
     /// A literal for each set at the last position.
@@ -73,6 +87,8 @@ private:
     Solver solver;
     Unrolling unrolling;
     ConditionLiterals literals;
+    std::vector<int> active;
+    std::vector<bool> needed;
     std::map<std::pair<int, Certificate::Places>, int> known; // by position
 };
 
@@ -95,6 +111,12 @@ std::string aloneFault(const FlatNetwork& network, const std::vector<uint>& numb
 
 std::string certificateFault(const FlatNetwork& network, const Certificate& certificate,
                              const std::vector<const Condition*>& conditions) {
+    Certificate copy = certificate;
+    return trim(network, copy, conditions);
+}
+
+std::string trim(const FlatNetwork& network, Certificate& certificate,
+                 const std::vector<const Condition*>& conditions) {
     if (certificate.alone) return aloneFault(network, *certificate.alone, conditions);
     for (const Certificate::Weighed& weighed : certificate.weighed) {
         std::string fault = weightsFault(network, weighed);
@@ -109,10 +131,16 @@ std::string certificateFault(const FlatNetwork& network, const Certificate& cert
     for (const Condition* condition : conditions) {
         if (any.meets(*condition)) return "what is asked holds in a state that it does not exclude";
     }
-    if (certificate.sets.empty()) return "";
-    any.step();
-    any.leaveWeighed();
-    if (any.meetsSet()) return "a step leads into a set of states that it excludes";
+    if (!certificate.sets.empty()) {
+        any.step();
+        any.leaveWeighed();
+        if (any.meetsSet()) return "a step leads into a set of states that it excludes";
+    }
+    std::size_t i = 0;
+    for (Certificate::Weighed& weighed : certificate.weighed) {
+        std::erase_if(weighed.sets, [&](const auto&) { return !any.neededSets()[i++]; });
+    }
+    std::erase_if(certificate.weighed, [](const auto& weighed) { return weighed.sets.empty(); });
     return "";
 }
 

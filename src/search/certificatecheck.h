@@ -20,4 +20,8 @@ namespace tervoxal {
                                            const Certificate& certificate,
                                            const std::vector<const Condition*>& conditions);
 
+/// The same, and leaves out the sets that weights exclude but no claim needs.
+[[nodiscard]] std::string trim(const FlatNetwork& network, Certificate& certificate,
+                               const std::vector<const Condition*>& conditions);
+
 } // namespace tervoxal

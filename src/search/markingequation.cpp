@@ -155,14 +155,12 @@ bool MarkingEquation::Work::isUnderFact(const Board& board, const std::vector<ui
     return found.has_value();
 }
 
-/// Tells the board that the question is unreachable, by the facts that the solver has made use of.
+/// Tells the board that the question is unreachable, by the facts in use.
 bool MarkingEquation::Work::exclude(Board& board) const {
     Certificate certificate;
-    for (const std::size_t f : used) {
-        if (solver.failed(active[f])) certificate.weighed.push_back(board.facts()[f].proof);
-    }
+    for (const std::size_t f : used) certificate.weighed.push_back(board.facts()[f].proof);
     certificate.weighed = merged(std::move(certificate.weighed));
-    return board.exclude(std::span(&question, 1), certificate).empty();
+    return board.exclude(std::span(&question, 1), std::move(certificate)).empty();
 }
 
 } // namespace tervoxal

@@ -41,6 +41,17 @@ void PropertyDirectedReachability::makeSolver() {
         addFrame(i);
         for (const Locations& lemma : lemmas[i]) addLemma(lemma, i);
     }
+    facts = 0;
+    learn();
+}
+
+/// What the board knows to hold always, as far as it is new.
+void PropertyDirectedReachability::learn() {
+    const std::int64_t before = unrolling->size();
+    for (; facts < board.facts().size(); ++facts) {
+        unrolling->always(board.facts()[facts].locations);
+    }
+    spent += unrolling->size() - before;
 }
 
 /// What is known of a frame before all lemmas: the levels of the locations.
@@ -116,6 +127,7 @@ bool PropertyDirectedReachability::inductive(const Locations& lemma, std::size_t
 
 void PropertyDirectedReachability::turn(Board& board, const Questions& open, bool /*alone*/) {
     if (!solver) makeSolver();
+    learn();
     level.resize(board.size());
     const std::int64_t end = queries + parameters.turn;
     if (!std::ranges::binary_search(open, question)) queue.clear();
@@ -124,7 +136,7 @@ void PropertyDirectedReachability::turn(Board& board, const Questions& open, boo
             const auto next = std::ranges::upper_bound(open, question);
             question = next == open.end() ? open.front() : *next;
             if (begin(board)) return;
-        } else if (block()) {
+        } else if (block(board)) {
             queue.clear();
             board.offer(path());
             return;
@@ -178,7 +190,7 @@ bool PropertyDirectedReachability::begin(Board& board) {
 
 /// One step back from the obligation in the earliest frame, or a lemma that excludes it. True if
 /// that has come to the initial state.
-bool PropertyDirectedReachability::block() {
+bool PropertyDirectedReachability::block(Board& board) {
     const std::size_t frame = queue.begin()->first;
     const std::size_t at = queue.begin()->second.back();
     const Locations cube = obligations[at].cube;
@@ -193,6 +205,13 @@ bool PropertyDirectedReachability::block() {
     if (blocked(frame, cube)) {
         blockedUpTo(frame);
         return false;
+    }
+    if (!obligations[at].allowed) {
+        if (exclude(board, cube)) {
+            blockedUpTo(last);
+            return false;
+        }
+        obligations[at].allowed = true;
     }
     const Solver::Verdict reached = predecessor(frame - 1, cube);
     if (reached == Solver::Verdict::unknown) return false;
@@ -211,6 +230,20 @@ bool PropertyDirectedReachability::block() {
     assert(frame > 1);
     queue[frame - 1].push_back(obligations.size() - 1);
     return false;
+}
+
+/// Whether weights are found that exclude the cube, where it is worth the trouble.
+bool PropertyDirectedReachability::exclude(Board& board, const Locations& cube) {
+    if (!LinearProgram::available) return false;
+    if (!finder) finder = std::make_unique<WeightFinder>(network);
+    const bool pays = excluded * parameters.paying >= weighed;
+    if (!pays && finder->cost() * parameters.weighing > spent) return false;
+    ++weighed;
+    const auto found = finder->exclude(cube, [&board] { return board.stopped(); });
+    if (!found || !board.learn(*found).empty()) return false;
+    ++excluded;
+    learn();
+    return true;
 }
 
 /// From the last obligation, which has the initial state, to the question.
@@ -337,6 +370,10 @@ Certificate PropertyDirectedReachability::invariant(std::size_t frame) const {
         }
     }
     std::sort(certificate.sets.begin(), certificate.sets.end());
+    for (std::size_t f = 0; f < facts; ++f) {
+        certificate.weighed.push_back(board.facts()[f].proof);
+    }
+    certificate.weighed = merged(std::move(certificate.weighed));
     return certificate;
 }
 

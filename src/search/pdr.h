@@ -19,6 +19,10 @@
 // gives a path, or a cube has no predecessor in the frame before, which gives a lemma: it is
 // generalized to exclude as many more states as it can.
 //
+// An obligation that the marking equation excludes (see weightfinder.h) is never reached, so it
+// needs no lemma. What the board knows to hold always is in all frames from the start, and lemmas
+// are inductive relative to it.
+//
 // Cubes and lemmas are of locations: a cube says that some automata are in them, a lemma that some
 // automaton is in one of them. What the level of a location tells (see flatnetwork.h) holds in the
 // frames from the start.
@@ -29,6 +33,7 @@
 #include "search/engine.h"
 #include "search/solver.h"
 #include "search/unrolling.h"
+#include "search/weightfinder.h"
 
 #include <cstdint>
 #include <map>
@@ -46,6 +51,11 @@ public:
         /// The solver is made anew when it was given that many lemmas, and three times those that
         /// are left: a lemma that another implies, or that went to a later frame, stays in it.
         std::size_t rebuild = 1000;
+        /// The marking equation is asked while it takes no more than one part of that many of the
+        /// work, or excludes one of that many obligations: "p149" & "p281" of the contest's
+        /// afcs_24_a takes 9 s with it and more than 60 s without.
+        std::int64_t weighing = 10;
+        std::int64_t paying = 20;
     };
 
     /// F[0] of the board's network. The board must outlive it.
@@ -54,7 +64,9 @@ public:
     PropertyDirectedReachability(const Board& board, const Parameters& parameters);
 
     [[nodiscard]] std::string status() const override;
-    [[nodiscard]] std::int64_t cost() const override { return spent; }
+    [[nodiscard]] std::int64_t cost() const override {
+        return spent + (finder ? finder->cost() : 0);
+    }
     /// Questions without a path; where a proof is asked for, also those whose lengths are refuted.
     [[nodiscard]] Questions open(const Board& board, const Questions& among) const override;
     void turn(Board& board, const Questions& open, bool alone) override;
@@ -69,6 +81,7 @@ private:
         Locations cube;
         Firing firing;
         std::size_t next;
+        bool allowed = false; // the marking equation was asked, and does not exclude it
     };
 
     void makeSolver();
@@ -85,7 +98,9 @@ private:
     [[nodiscard]] bool inductive(const Locations& lemma, std::size_t frame);
 
     [[nodiscard]] bool begin(Board& board);
-    [[nodiscard]] bool block();
+    [[nodiscard]] bool block(Board& board);
+    [[nodiscard]] bool exclude(Board& board, const Locations& cube);
+    void learn();
     [[nodiscard]] Locations preimage(const Firing& firing, const Locations& cube) const;
     [[nodiscard]] Locations generalize(const Locations& cube, std::size_t frame);
     void shrinkToCore(Locations& lemma) const;
@@ -104,6 +119,10 @@ private:
     std::unique_ptr<Solver> solver;
     std::unique_ptr<Unrolling> unrolling; // a step from any state
     std::unique_ptr<ConditionLiterals> literals;
+    std::unique_ptr<WeightFinder> finder;
+    std::int64_t weighed = 0;                   // obligations, by the marking equation
+    std::int64_t excluded = 0;                  // of them
+    std::size_t facts = 0;                      // of the board, to the solver at hand
     std::vector<int> active;                    // of each frame, the literal under which it holds
     std::vector<std::vector<Locations>> lemmas; // of each frame, those that the next one lacks
     std::size_t given = 0;                      // lemmas, to the solver at hand

@@ -104,8 +104,10 @@ WeightFinder::WeightFinder(const FlatNetwork& network)
 }
 
 std::int64_t WeightFinder::cost() const {
+    // What a question costs before its first iteration is most of it: .7 ms of 148 automata with
+    // 755 locations, .2 ms of 253 with 506.
     constexpr std::int64_t share = 100;
-    return size + (program.iterations() + asked) * (size / share + 1);
+    return size + asked * (size + size / 2) + program.iterations() * (size / share + 1);
 }
 
 /// Of a location that is not the first of its automaton; its row has the same number.

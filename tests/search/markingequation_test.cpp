@@ -183,7 +183,7 @@ TEST(MarkingEquation, isAnEngineAmongOthers) {
             }
         }
     }
-    EXPECT_GT(std::min(seen[0], seen[1]), 20) << list(seen);
+    EXPECT_GT(std::ranges::min(seen), 20) << list(seen);
 }
 
 // Weights and a set of an automaton of locations 0 to 3, one action up, one down by 2.
