@@ -2,6 +2,7 @@
 // parameters, so a family with its parameters gives the same bytes everywhere.
 
 #include "model/networkwriter.h"
+#include "workflow.h"
 
 #include <algorithm>
 #include <charconv>
@@ -338,12 +339,57 @@ std::string guests(const Params& params, NetworkWriter& net) {
     return formula;
 }
 
-// A family writes the automata of its network and returns its formula.
+// Each place is an automaton that holds a token or none, as of a net without units.
+std::string workflow(const Params& params, NetworkWriter& net) {
+    Workflow flow(params[0], params[1]);
+    const auto size = static_cast<std::size_t>(flow.size());
+    std::vector<std::vector<long>> taking(size);
+    std::vector<std::vector<long>> giving(size);
+    for (std::size_t t = 0; t < flow.transitions().size(); ++t) {
+        for (const long p : flow.transitions()[t].from) {
+            taking[static_cast<std::size_t>(p)].push_back(static_cast<long>(t));
+        }
+        for (const long p : flow.transitions()[t].to) {
+            giving[static_cast<std::size_t>(p)].push_back(static_cast<long>(t));
+        }
+    }
+    for (std::size_t p = 0; p < size; ++p) {
+        heading(net, static_cast<long>(p), 2);
+        const long full = p == 0 ? 0 : 1;
+        for (const long t : taking[p]) transition(net, full, 1 - full, t);
+        for (const long t : giving[p]) transition(net, 1 - full, full, t);
+        net.valuation();
+        value(net, full, {static_cast<long>(p)});
+        net.endAutomaton();
+    }
+    return prop(flow.size() - 1);
+}
+
+// Twenty, by turns met and never met; their names tell which.
+std::string workflowQuestions(const Params& params) {
+    Workflow flow(params[0], params[1]);
+    std::string text;
+    for (int i = 0; i < 20; ++i) {
+        const bool met = i % 2 == 0;
+        text += (met ? "path" : "never") + std::to_string(i) + ": ";
+        if (i == 1) {
+            text += "deadlock\n";
+            continue;
+        }
+        const std::vector<long> places = flow.places(met);
+        for (const long p : places) text += (p == places[0] ? "" : " & ") + prop(p);
+        text += '\n';
+    }
+    return text;
+}
+
+// A family writes the automata of its network and returns its formula. Some have questions as well.
 struct Family {
     std::string_view name;
     std::string_view letters; // one for each parameter
     std::string (*write)(const Params& params, NetworkWriter& net);
     std::string_view about;
+    std::string (*questions)(const Params& params) = nullptr;
 };
 
 constexpr Family families[] = {
@@ -359,6 +405,8 @@ constexpr Family families[] = {
     {"towers", "N", towers, "N disks on three pegs, to be moved to the last one"},
     {"shunting", "T", shunting, "T trains and one siding, to be put in the opposite order"},
     {"guests", "NKM", guests, "a ring of N guests with K tokens, M of whom are to meet"},
+    {"workflow", "PS", workflow, "a workflow of P places by seed S, with questions",
+     workflowQuestions},
 };
 
 std::string shape(const Family& family) {
@@ -372,7 +420,8 @@ std::string shape(const Family& family) {
 
 int usage() {
     std::cerr << "Usage: networks FAMILY PARAM... BASE\n"
-                 "Writes the network BASE.in and the formula BASE-formula.in. The families:\n";
+                 "Writes the network BASE.in and the formula BASE-formula.in, and for workflow\n"
+                 "BASE-questions as well. The families:\n";
     for (const Family& family : families) {
         std::string left = shape(family);
         left.resize(std::max<std::size_t>(left.size(), 16), ' ');
@@ -400,8 +449,15 @@ int generate(const Family& family, const Params& params, const std::string& base
     net.end();
     file.close();
     formula.close();
-    if (!file || !formula) {
-        std::cerr << "networks: cannot write " << base << ".in and " << base << "-formula.in\n";
+    bool written = file && formula;
+    if (family.questions != nullptr) {
+        std::ofstream questions(base + "-questions");
+        questions << family.questions(params);
+        questions.close();
+        written = written && questions;
+    }
+    if (!written) {
+        std::cerr << "networks: cannot write the files of " << base << '\n';
         return 1;
     }
     return 0;

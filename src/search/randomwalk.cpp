@@ -1,6 +1,7 @@
 #include "search/randomwalk.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <iterator>
 #include <utility>
@@ -16,6 +17,13 @@ namespace {
 
 bool isOpen(const Board& board, std::size_t question) {
     return !board.settled(question) && !board[question].found;
+}
+
+/// The number of the sequence 1, 1, 2, 1, 1, 2, 4, ... at an index from 1 on.
+std::uint32_t luby(std::uint32_t index) {
+    // From the end of a run of 2^n - 1 numbers, which is 2^(n-1); before it are two such runs.
+    while (!std::has_single_bit(index + 1)) index -= std::bit_floor(index) - 1;
+    return (index + 1) / 2;
 }
 
 } // namespace
@@ -75,7 +83,7 @@ void RandomWalk::turn(Board& board, const Questions& /*open*/, bool /*alone*/) {
                 step(board.network);
             }
         }
-        counts += evaluator->counted() - before + stretch * perStep;
+        counts += evaluator->counted() - before + stretch * (perStep + drawn / 2);
     }
     offer(board);
     walked += counts;
@@ -100,7 +108,7 @@ bool RandomWalk::look() {
 void RandomWalk::step(const FlatNetwork& network) {
     const std::span<const uint> possible = evaluator->possible();
     uint next = possible[draw(possible.size())];
-    for (int i = 1; i < policy.drawn; ++i) {
+    for (int i = 1; i < drawn; ++i) {
         const uint other = possible[draw(possible.size())];
         if (taken[other] < taken[next]) next = other;
     }
@@ -135,7 +143,10 @@ void RandomWalk::step(const FlatNetwork& network) {
 void RandomWalk::restart() {
     evaluator->reset();
     clear();
-    length = std::min(policy.longest, length + std::max(1, length / policy.growth));
+    drawn = 2 * drawn > policy.drawn ? 2 : 2 * drawn;
+    ++walks;
+    length = static_cast<int>(
+        std::min<std::int64_t>(policy.longest, policy.shortest * std::int64_t{luby(walks)}));
 }
 
 void RandomWalk::clear() {
