@@ -327,6 +327,7 @@ std::vector<std::pair<std::size_t, Number>> Localization::label(const Board& boa
 
 void Localization::refute(Board& board, const Questions& questions, int depth) const {
     Questions open;
+    depth = std::min(depth, board.range.to);
     for (const std::size_t q : questions) {
         if (left(board, q) && board[q].refuted < depth) open.push_back(q);
     }
