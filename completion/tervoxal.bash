@@ -20,7 +20,7 @@ _tervoxal() {
         )
         ;;
     --solver) mapfile -t COMPREPLY < <(compgen -c -- "$word") ;;
-    --ask)
+    --ask | --fair)
         # Not COMP_WORDS: after an open quote the rest of the line is one word.
         names=$(tr ' ' '\n' <<<"$COMP_LINE" | while read -r network; do
             network=${network%.in}
@@ -33,7 +33,7 @@ _tervoxal() {
         ;;
     --witness | --walk | --questions | --certificate) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     --keep | --paths) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
-    --from | --jobs | --time | --prove-time | --bound) ;;
+    --from | --jobs | --time | --prove-time | --states | --bound) ;;
     *)
         if [[ $word == -* ]]; then
             names=$("$command" --help 2>/dev/null | grep -oE '^  --[a-z-]+=?')

@@ -33,7 +33,7 @@ int main(int argc, char* argv[]) {
     NetTimedModel model;
     Names names;
     readNamedNetwork(model, names, inputName(line.operands[0]));
-    Circuit circuit = reachability(model, askedQuestion(model, names, line).condition);
+    Circuit circuit = reachability(model, askedStateQuestion(model, names, line).condition);
     nameSymbols(circuit, model, names);
     showAIGER(std::cout, circuit, line.has("ascii"));
     return finished(0);

@@ -60,7 +60,8 @@ int main(int argc, char* argv[]) {
     Diagnostics inFormula;
     if (line.operands.size() > 1) {
         const std::string formulaFile = inputName(line.operands[1]) + inputSuffix;
-        checkFormula(formulaFile, network.taken ? &network.props : nullptr, inFormula);
+        checkFormula(formulaFile, network.taken ? &network.props : nullptr,
+                     TemporalOperators::falsify, inFormula);
         inFormula.show(std::cout, formulaFile);
     }
     return finished(inNetwork.empty() && inFormula.empty() ? 0 : 1);

@@ -131,7 +131,7 @@ Path walkPath(const CommandLine& line, const Transitions& transitions) {
 
 /// The question of a call with --witness or --walk.
 Question otherQuestion(NetTimedModel& model, const Names& names, const CommandLine& line) {
-    if (line.has("ask") || line.operands.size() > 1) return askedQuestion(model, names, line);
+    if (line.has("ask") || line.operands.size() > 1) return askedStateQuestion(model, names, line);
     return {"none", "", {{{Condition::Term::falsity}}}};
 }
 

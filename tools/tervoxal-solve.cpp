@@ -1,6 +1,7 @@
-// The command tervoxal-solve: the shortest path of a network to a state that is asked for.
+// The command tervoxal-solve: the shortest path of a network that shows what is asked for.
 
 #include "certificate/certificate.h"
+#include "fixpoint/statebystate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
 #include "query/grammar.h"
@@ -22,7 +23,9 @@
 #include <array>
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <iostream>
+#include <memory>
 #include <optional>
 #include <span>
 #include <sstream>
@@ -46,6 +49,9 @@ const Command command{
     "asked. Once there is a path, it spends a few seconds on shorter ones. Ctrl-C (SIGINT) and\n"
     "SIGTERM end it with what is known by then, a second one at once.\n"
     "\n"
+    "A question with temporal operators is answered from all states of the network. If it speaks\n"
+    "of all paths it is a claim about the initial state, and the path is one on which it fails.\n"
+    "\n"
     "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 "
     "no\n"
     "answer in time; 1 an error. Of many questions: 10 a path to one; 20 none to any.\n",
@@ -59,6 +65,11 @@ const Command command{
      {"any", "", "stop at the first path, which need not be the shortest"},
      {"least", "", "go on until the path is known to be the shortest"},
      {"follow", "", "with a table, print each verdict on standard output as it is known"},
+     {"fair", "EXPRESSION",
+      "an infinite path counts only if this holds again and again; as often as needed"},
+     {"weakly-fair", "",
+      "an infinite path counts only if no action stays possible and is never taken"},
+     {"states", "NUMBER", "how many states are searched for a temporal question (10000000)"},
      {"time", "SECONDS", "end after SECONDS with what is known by then"},
      {"prove", "",
       "go on for a proof that there is no path of any length, with a model checker beside"},
@@ -70,7 +81,7 @@ const Command command{
      {"all", "", "show all automata, also those that stay"}},
     1,
     3,
-    "EXPRESSION:\n" + grammarHelp(Grammar::whole)};
+    "EXPRESSION:\n" + grammarHelp(Grammar::ofPaths)};
 
 /// What the call asks for.
 struct Call {
@@ -84,6 +95,7 @@ struct Call {
     bool prove;
     bool follow;
     std::chrono::seconds proveSeconds;
+    std::size_t states;
     Answers::Asked asked;
 };
 
@@ -108,6 +120,7 @@ Call::Call(const CommandLine& line) {
     seconds = line.number("time", 1, greatestPathLength, 0);
     prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
     proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
+    states = static_cast<std::size_t>(line.number("states", 1, greatestPathLength, 10'000'000));
     if (line.has("certificate") && many) line.misused("--certificate is of one question");
     format = line.value("format", "text");
     show = showOf(format);
@@ -138,7 +151,7 @@ std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& 
 /// Shows the one answer, with what is to say of it on standard error.
 void show(const Call& call, const Answers& answers) {
     const Outcome outcome = answers.outcome(0);
-    if (outcome.kind != Outcome::Kind::path || !answers.settled(0)) {
+    if (outcome.kind != Outcome::Kind::path || outcome.claim || !answers.settled(0)) {
         std::cerr << outcome.full() << '\n';
     }
     if (call.format == "json") {
@@ -175,7 +188,9 @@ void writeCertificate(OutputFile& file, const std::string& name, const Call& cal
                       const NetTimedModel& model, const Names& names,
                       const Certificate& certificate) {
     std::ostringstream text;
-    text << "# " << readable(call.asked.network + ": never " + call.asked.questions[0].text)
+    const Question& question = call.asked.questions[0];
+    const bool claim = question.temporal && isClaim(*question.temporal);
+    text << "# " << readable(call.asked.network + (claim ? ": " : ": never ") + question.text)
          << '\n';
     showCertificate(text, model, names, certificate);
     file.write(text.view());
@@ -186,6 +201,62 @@ void makeDirectory(const std::string& name) {
     std::error_code problem;
     std::filesystem::create_directories(name, problem);
     if (problem) error("cannot make " + name + ": " + problem.message());
+}
+
+/// Every fairness that the call asks for is of all its questions.
+void addFairness(std::vector<Question>& questions, const Fairness& fairness) {
+    for (Question& question : questions) {
+        std::vector<Condition>& own = question.fairness.conditions;
+        own.insert(own.begin(), fairness.conditions.begin(), fairness.conditions.end());
+        question.fairness.weak = fairness.weak;
+    }
+}
+
+/// What is known of a question about paths when all states have been searched for it.
+void learnAnswer(Known& known, StateByState::Answer answer, std::size_t states,
+                 const Lengths& lengths) {
+    if (!answer.witness) {
+        Certificate certificate;
+        certificate.states = states;
+        known.unreachable = true;
+        known.settled = true;
+        known.certificate = std::make_shared<const Certificate>(std::move(certificate));
+        return;
+    }
+    const int length = answer.witness->path.k;
+    if (answer.witness->least) known.refuted = std::min(length - 1, lengths.to);
+    known.settled = answer.witness->least || (lengths.any && length <= lengths.to);
+    known.path = std::move(answer.witness->path);
+}
+
+/// Answers the questions about paths.
+void answerTemporal(const Call& call, const FlatNetwork& network, Answers& answers,
+                    Progress& progress, const std::function<bool()>& stop) {
+    StateByState search(network);
+    for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
+        const Question& question = call.asked.questions[q];
+        if (!question.temporal) continue;
+        Known& known = answers.known(q);
+        known.claim = isClaim(*question.temporal);
+        if (!search.explore(call.states, stop)) {
+            known.open = stop() ? "not all states were found in time"
+                                : "open: more than " + std::to_string(call.states) +
+                                      " states, --states=NUMBER searches more";
+            progress.settled(answers, q);
+            continue;
+        }
+        StateByState::Answer answer =
+            search.answer(*question.temporal, question.fairness, call.asked.lengths.any);
+        if (answer.unfair) {
+            progress.end();
+            std::cerr << "warning: " << (call.many ? question.name + ": " : "")
+                      << "no infinite path is fair, so none counts\n";
+        }
+        learnAnswer(known, std::move(answer), search.states(), call.asked.lengths);
+        const bool within = known.path && known.path->k <= call.asked.lengths.to;
+        if (within) progress.found(answers, q);
+        if (!within || !known.settled) progress.settled(answers, q);
+    }
 }
 
 } // namespace
@@ -200,8 +271,14 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, call.asked.network);
     call.asked.questions = questionsOf(line, model, names);
+    addFairness(call.asked.questions, askedFairness(model, names, line));
     std::vector<Condition> conditions;
-    for (const Question& question : call.asked.questions) conditions.push_back(question.condition);
+    std::vector<std::size_t> asked; // the questions that the conditions ask
+    for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
+        if (call.asked.questions[q].temporal) continue;
+        conditions.push_back(call.asked.questions[q].condition);
+        asked.push_back(q);
+    }
 
     if (line.has("paths")) makeDirectory(line.value("paths", ""));
     std::optional<OutputFile> certificate;
@@ -216,15 +293,16 @@ int main(int argc, char* argv[]) {
     Interrupt interrupt;
     std::optional<Prover> prover;
     if (call.prove) {
-        prover.emplace(
-            board, names,
-            Prover::Setting{call.proveSeconds, [&](std::size_t question, const std::string& why) {
-                                progress.end();
-                                std::cerr
-                                    << "proof: "
-                                    << (call.many ? call.asked.questions[question].name + ": " : "")
-                                    << why << '\n';
-                            }});
+        prover.emplace(board, names,
+                       Prover::Setting{
+                           call.proveSeconds, [&](std::size_t question, const std::string& why) {
+                               progress.end();
+                               std::cerr
+                                   << "proof: "
+                                   << (call.many ? call.asked.questions[asked[question]].name + ": "
+                                                 : "")
+                                   << why << '\n';
+                           }});
     }
     const auto late = [&] {
         const bool over =
@@ -232,7 +310,7 @@ int main(int argc, char* argv[]) {
         return over || interrupt.came() || (prover && prover->interrupted());
     };
     const auto learn = [&](std::size_t q) {
-        Known& known = answers.known(q);
+        Known& known = answers.known(asked[q]);
         known.refuted = board[q].refuted;
         known.settled = board.settled(q);
         known.unreachable = board[q].unreachable;
@@ -242,17 +320,17 @@ int main(int argc, char* argv[]) {
     listener.refuted = [&](std::span<const std::size_t> questions) {
         for (const std::size_t q : questions) {
             learn(q);
-            progress.refuted(answers, q);
+            progress.refuted(answers, asked[q]);
         }
     };
     listener.found = [&](std::size_t q) {
         learn(q);
-        answers.known(q).path = pathOf(network, board[q].path);
-        progress.found(answers, q);
+        answers.known(asked[q]).path = pathOf(network, board[q].path);
+        progress.found(answers, asked[q]);
     };
     listener.unreachable = [&](std::size_t q) {
         learn(q);
-        progress.settled(answers, q);
+        progress.settled(answers, asked[q]);
     };
     listener.closed = listener.unreachable;
     bool ended = false;
@@ -271,6 +349,7 @@ int main(int argc, char* argv[]) {
             return prover->working() || Clock::now() < begin + call.proveSeconds;
         };
     }
+    answerTemporal(call, network, answers, progress, late);
     portfolio.run(listener);
     while (prover && prover->working() && !late()) {
         if (prover->ready()) {
@@ -281,9 +360,9 @@ int main(int argc, char* argv[]) {
         }
     }
     progress.end();
-    if (certificate && board[0].certificate) {
+    if (certificate && answers.known(0).certificate) {
         writeCertificate(*certificate, line.value("certificate", ""), call, model, names,
-                         *board[0].certificate);
+                         *answers.known(0).certificate);
     }
 
     if (call.many) {

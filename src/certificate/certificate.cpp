@@ -125,6 +125,9 @@ void showCertificate(std::ostream& out, const NetTimedModel& model, const Names&
         out << "# inductive relative to these:\n";
     }
     show(certificate.sets);
+    if (certificate.states) {
+        out << "# all states of the network were searched, twice: " << *certificate.states << '\n';
+    }
     if (!certificate.alone) return;
     out << "# not met in any state of these automata alone, whatever the others do:\n";
     for (const uint a : *certificate.alone) out << "#     " << writer.automaton(a) << '\n';

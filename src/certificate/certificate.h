@@ -1,5 +1,4 @@
 // Why a condition is never met, in a form that can be checked without the one who found it: sets of
-// Why a condition is never met, in a form that can be checked without the one who found it: sets of
 // states none of which is ever reached; or automata that cannot meet it alone, whatever the others
 // do. Of the sets, some are excluded by weights of locations whose sum never increases, the others
 // are an inductive invariant relative to these.
@@ -13,7 +12,8 @@
 //     4. no step leads from a state outside of all sets into one of the other sets, unless that
 //        state is excluded by weights as well;
 //
-// or else if none of the states of those automata alone meets it (see replay/alone.h).
+// or else if none of the states of those automata alone meets it (see replay/alone.h). Of a formula
+// about paths the certificate is the number of states (see replay/allstates.h).
 
 #pragma once
 
@@ -61,6 +61,9 @@ struct Certificate {
     std::vector<Set> sets; // inductive relative to those of the weights
     /// The numbers of the automata that were searched alone, ascending. There are no sets then.
     std::optional<std::vector<uint>> alone{};
+    /// Of a formula about paths: the number of states of the network, all of which were searched.
+    /// There are no sets then.
+    std::optional<std::size_t> states{};
     std::vector<Weighed> weighed{};
 };
 
@@ -68,9 +71,9 @@ struct Certificate {
 [[nodiscard]] std::vector<Certificate::Weighed> merged(std::vector<Certificate::Weighed> weighed);
 
 /// Writes a line `NAME: EXPRESSION` for each set, which is a file of questions: no reachable state
-/// answers any of them. Automata that were searched alone are a comment. An automaton or a location
-/// stands under its name, or under its number where the name is missing or another one's as well.
-/// Where there are weights, each line
+/// answers any of them. Automata that were searched alone and a number of states are comments. An
+/// automaton or a location stands under its name, or under its number where the name is missing or
+/// another one's as well. Where there are weights, each line
 ///
 ///     # sum of weights: 2 at(a, l) + at(b, m) never increases, 1 at the start
 ///

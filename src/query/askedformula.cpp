@@ -3,8 +3,8 @@
 #include "query/formulacheck.h"
 #include "system/filenames.h"
 #include "text/fatal.h"
-#include "text/readable.h"
 
+#include <algorithm>
 #include <iostream>
 #include <optional>
 #include <set>
@@ -15,14 +15,6 @@ namespace tervoxal {
 
 namespace {
 
-void refuseTemporal(const EctlForm& form) {
-    if (form.temporalLength() == 0) return;
-    const bool outermost = form.op == OpEF && form.temporalLength() == 1;
-    error("formula: a temporal operator, and none is translated: what is asked is whether a state "
-          "can be reached in which the formula holds" +
-          (outermost ? ", so ask " + excerpt(form.left) : ""));
-}
-
 /// Without the newline at its end.
 std::string told(const Diagnostics& findings, const std::string& file) {
     std::ostringstream lines;
@@ -32,21 +24,24 @@ std::string told(const Diagnostics& findings, const std::string& file) {
 
 } // namespace
 
-Condition readAskedFormula(const NetTimedModel& model, const std::string& name) {
+Question readAskedFormula(const NetTimedModel& model, const std::string& name) {
     std::set<uint> carried;
     for (const auto& [location, prop] : model.valuation) carried.insert(prop);
     const std::string file = name + inputSuffix;
     Diagnostics findings;
-    const auto form = checkFormula(file, &carried, findings);
-    if (form) refuseTemporal(*form);
+    const auto form = checkFormula(file, &carried, TemporalOperators::answered, findings);
     if (!form) error(told(findings, file));
     findings.show(std::cerr, file);
-    return conditionOf(*form);
+    const bool temporal = std::ranges::any_of(
+        form->onp, [](const OnpNode& token) { return token.op > OpDis && token.op != OpNone; });
+    if (!temporal) return {name, name, conditionOf(*form)};
+    return {name, name, {{{Condition::Term::falsity}}}, temporalFormula(temporalTokens(*form))};
 }
 
 EctlForm runFormula(const std::string& file, std::string text) {
     Diagnostics findings;
-    std::optional<EctlForm> form = checkFormulaText(std::move(text), nullptr, findings);
+    std::optional<EctlForm> form =
+        checkFormulaText(std::move(text), nullptr, TemporalOperators::falsify, findings);
     if (!form) error(told(findings, file));
     return *std::move(form);
 }

@@ -4,17 +4,17 @@
 #pragma once
 
 #include "model/ntamodel.h"
-#include "query/condition.h"
+#include "query/question.h"
 #include "temporal/ectlform.h"
 
 #include <string>
 
 namespace tervoxal {
 
-/// What the formula of name + ".in" asks of a state of the network, which is read. The warnings of
-/// checkFormula go to standard error, each in its line. A file that a run refuses and a formula
-/// with a temporal operator end the process with status 1 and one more line there.
-[[nodiscard]] Condition readAskedFormula(const NetTimedModel& model, const std::string& name);
+/// What the formula of name + ".in" asks about the network, which is read. The warnings of
+/// checkFormula go to standard error, each in its line. A file that a run refuses ends the process
+/// with status 1 and one more line there, and so do those that temporalTokens refuses.
+[[nodiscard]] Question readAskedFormula(const NetTimedModel& model, const std::string& name);
 
 /// The formula of a file, given with its text, that a run takes. One that a run refuses ends the
 /// process with status 1 and what is found in it on standard error.

@@ -7,6 +7,21 @@
 
 namespace tervoxal {
 
+std::vector<Condition::Token> tokensOf(const OnpNode& token) {
+    using Term = Condition::Term;
+    const auto number = static_cast<unsigned int>(token.varNr);
+    switch (token.op) {
+    case OpTrue: return {{Term::truth}};
+    case OpCon: return {{Term::conjunction}};
+    case OpDis: return {{Term::disjunction}};
+    case OpVar: return {{Term::prop, number}};
+    case OpNegVar: return {{Term::prop, number}, {Term::negation}};
+    default: break;
+    }
+    assert(false);
+    return {};
+}
+
 Condition conditionOf(const EctlForm& form) {
     using Term = Condition::Term;
     refuseWithoutValue(form.onp);
@@ -20,16 +35,29 @@ Condition conditionOf(const EctlForm& form) {
             return condition;
         }
         token.op <= OpNegVar ? ++values : --values;
-        switch (token.op) {
-        case OpTrue: tokens.push_back({Term::truth}); break;
-        case OpCon: tokens.push_back({Term::conjunction}); break;
-        case OpDis: tokens.push_back({Term::disjunction}); break;
-        default:
-            tokens.push_back({Term::prop, static_cast<unsigned int>(token.varNr)});
-            if (token.op == OpNegVar) tokens.push_back({Term::negation});
-        }
+        for (const Condition::Token& own : tokensOf(token)) tokens.push_back(own);
     }
     return condition;
+}
+
+Condition negated(const Condition& condition) {
+    using Term = Condition::Term;
+    Condition result;
+    std::vector<Condition::Token>& tokens = result.tokens;
+    for (const Condition::Token& token : condition.tokens) {
+        switch (token.term) {
+        case Term::falsity: tokens.push_back({Term::truth}); break;
+        case Term::truth: tokens.push_back({Term::falsity}); break;
+        case Term::conjunction: tokens.push_back({Term::disjunction}); break;
+        case Term::disjunction: tokens.push_back({Term::conjunction}); break;
+        case Term::negation:
+            assert(tokens.back().term == Term::negation);
+            tokens.pop_back();
+            break;
+        default: tokens.push_back(token); tokens.push_back({Term::negation});
+        }
+    }
+    return result;
 }
 
 namespace {

@@ -7,10 +7,13 @@
 //     at a l                      automaton a is in location l
 //     enabled x                   some step takes action x
 //     deadlock                    no step is possible
+//     after x                     the step that led to the state took action x
+//     initial                     no step has been taken yet
 //     negation                    of one operand
 //     conjunction, disjunction    of two operands
 //
-// The numbers are those of the network; nothing here knows whether it has them.
+// The numbers are those of the network; nothing here knows whether it has them. After and initial
+// are for temporal formulas (temporalformula.h): what is asked of a state alone has neither.
 //
 // Invariant: the tokens leave exactly one value.
 
@@ -33,6 +36,8 @@ struct Condition {
         at,
         enabled,
         deadlock,
+        after,
+        initial,
         negation,
         conjunction,
         disjunction
@@ -46,9 +51,17 @@ struct Condition {
     std::vector<Token> tokens;
 };
 
+/// What a token of a formula adds to a condition. Precondition, asserted: it is no temporal
+/// operator.
+[[nodiscard]] std::vector<Condition::Token> tokensOf(const OnpNode& token);
+
 /// What a formula asks of a state. One with a temporal operator is false, and keeps what stands
 /// before the first. Ends the process like refuseWithoutValue.
 [[nodiscard]] Condition conditionOf(const EctlForm& form);
+
+/// What holds exactly where the condition does not, with negations at atoms. Linear.
+/// Precondition: the condition negates atoms only.
+[[nodiscard]] Condition negated(const Condition& condition);
 
 /// The same question as a formula in postfix notation, with the constants folded away: a formula
 /// negates propositions only and has no false, so that is p0p-0&. Linear in the condition.
@@ -56,7 +69,7 @@ struct Condition {
 [[nodiscard]] std::string postfixOf(const Condition& condition);
 
 /// The value of a condition, in one pass. The algebra has constant(bool), atom(token) for the
-/// propositions, at, enabled and deadlock, negation(value), conjunction(value, value) and
+/// propositions and what else is no operator, negation(value), conjunction(value, value) and
 /// disjunction(value, value), which are called from left to right.
 template <class Algebra>
 [[nodiscard]] auto valueOf(const Condition& condition, Algebra&& algebra) {
@@ -75,7 +88,9 @@ template <class Algebra>
         case Term::prop:
         case Term::at:
         case Term::enabled:
-        case Term::deadlock: values.push_back(algebra.atom(token)); break;
+        case Term::deadlock:
+        case Term::after:
+        case Term::initial: values.push_back(algebra.atom(token)); break;
         case Term::negation: values.push_back(algebra.negation(pop())); break;
         case Term::conjunction:
         case Term::disjunction: {

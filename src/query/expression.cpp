@@ -7,6 +7,7 @@
 #include "text/scanner.h"
 
 #include <cstddef>
+#include <map>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -19,14 +20,43 @@ namespace {
 using Term = Condition::Term;
 using Things = Vocabulary::Things;
 
-/// The kinds of tokens; operators in ascending strength.
-enum Kind { Open, Implies, Or, And, Not, Close, False, True, Atom, End };
+/// The kinds of tokens; operators in ascending strength, temporal ones of one operand with Not.
+/// OpenPath is E[ or A[, Until what stands between its operands. Release has no token: it is what
+/// the negation of Until becomes.
+enum Kind {
+    OpenPath,
+    Open,
+    Implies,
+    Or,
+    And,
+    Not,
+    Next,
+    Finally,
+    Globally,
+    Until,
+    Release,
+    Close,
+    ClosePath,
+    False,
+    True,
+    Atom,
+    End
+};
 
 struct Token {
     Kind kind;
     Condition::Token atom{Term::truth};
+    bool universal = false; // of OpenPath and a temporal operator: on all paths
     std::size_t begin = 0;
     std::size_t end = 0;
+};
+
+bool isUnary(Kind kind) { return kind >= Not && kind <= Globally; }
+
+/// Where a token stands.
+struct Context {
+    bool operand;          // an operand is due
+    std::size_t openPaths; // brackets of OpenPath around it
 };
 
 /// What a word is looked up as.
@@ -58,7 +88,8 @@ public:
     Tokens(const std::string& text, const Vocabulary& vocabulary, const std::string& where)
         : text(text), vocabulary(vocabulary), where(where) {}
 
-    Token next() {
+    Token next(const Context& around) {
+        context = around;
         skipBlanks();
         const std::size_t begin = at;
         Token token = at == text.size() ? Token{End} : read();
@@ -83,6 +114,7 @@ public:
 
     std::string beyondFormula;
     std::vector<std::string> warnings;
+    bool paths = false; // whether some token is temporal
 
 private:
     void skipBlanks() {
@@ -100,6 +132,9 @@ private:
         case '|': return symbol(Or, 1);
         case '(': return symbol(Open, 1);
         case ')': return symbol(Close, 1);
+        case ']':
+            if (context.openPaths > 0) return symbol(ClosePath, 1);
+            [[fallthrough]];
         default: return arrow() ? symbol(Implies, 2) : operand(word("!&|()\""));
         }
     }
@@ -115,8 +150,11 @@ private:
             const std::size_t inner = begin + 1;
             return {unescaped(std::string_view(text).substr(inner, at++ - inner)), begin, true};
         }
+        std::size_t brackets = 0; // of the word itself
         while (at < text.size() && !isBlank(text[at]) &&
                enders.find(text[at]) == std::string_view::npos && !arrow()) {
+            if (text[at] == '[') ++brackets;
+            if (text[at] == ']' && context.openPaths > 0 && brackets-- == 0) break;
             ++at;
         }
         return {text.substr(begin, at - begin), begin, false};
@@ -132,6 +170,12 @@ private:
                 warn(word, "that no action is possible", propositions, vocabulary.props);
                 return beyond(word, {Term::deadlock});
             }
+            if (word.text == "initial" && !isProposition(word)) {
+                paths = true;
+                return beyond(word, {Term::initial});
+            }
+            if (word.text == "after" && opens()) return after(word);
+            if (const auto token = temporal(word)) return *token;
             if (word.text == "enabled" && opens()) return enabled(word);
             if (word.text == "at" && opens()) return located(word);
             if (word.text[0] == 'p' && isNumber(std::string_view(word.text).substr(1))) {
@@ -145,6 +189,59 @@ private:
         const unsigned int prop = named(word, propositions, vocabulary.props);
         last = word;
         return {Atom, {Term::prop, prop}};
+    }
+
+    [[nodiscard]] bool isProposition(const Word& word) const {
+        return vocabulary.props.contains(word.text);
+    }
+
+    /// The temporal operator that the word begins with, if it is meant as one: a proposition of
+    /// that name is meant where no operand follows.
+    std::optional<Token> temporal(const Word& word) {
+        static const std::map<std::string_view, Kind> unary = {{"EX", Next},     {"EF", Finally},
+                                                               {"EG", Globally}, {"AX", Next},
+                                                               {"AF", Finally},  {"AG", Globally}};
+        if (!context.operand && context.openPaths > 0 && word.text == "U") return Token{Until};
+        const bool universal = word.text[0] == 'A';
+        if ((universal || word.text[0] == 'E') && !isProposition(word)) {
+            const bool apart = word.text.size() == 1 && follows() == '[';
+            if (apart || (word.text.size() > 1 && word.text[1] == '[')) {
+                at = apart ? text.find('[', at) + 1 : word.begin + 2;
+                refuseInFormula(word.begin, text.substr(word.begin, 1) + "[... U ...]");
+                return Token{OpenPath, {Term::truth}, universal};
+            }
+        }
+        const auto operation = unary.find(word.text);
+        if (operation == unary.end() || (isProposition(word) && !operandFollows())) return {};
+        warn(word, "a temporal operator", propositions, vocabulary.props);
+        refuseInFormula(word.begin, word.text);
+        return Token{operation->second, {Term::truth}, universal};
+    }
+
+    void refuseInFormula(std::size_t begin, const std::string& name) {
+        paths = true;
+        if (!beyondFormula.empty()) return;
+        beyondFormula = "column " + std::to_string(begin + 1) + ": a run has no " + name;
+    }
+
+    /// The next character that is no blank, 0 at the end.
+    [[nodiscard]] char follows() const {
+        const std::string_view rest = trimmed(std::string_view(text).substr(at));
+        return rest.empty() ? '\0' : rest[0];
+    }
+
+    /// Whether what comes next can begin an operand.
+    [[nodiscard]] bool operandFollows() const {
+        const std::string_view rest = trimmed(std::string_view(text).substr(at));
+        return !rest.empty() && !rest.starts_with("->") &&
+               std::string_view("&|),]").find(rest[0]) == std::string_view::npos;
+    }
+
+    Token after(const Word& word) {
+        const unsigned int action = argument(word, '(', actions, vocabulary.actions);
+        expect(')', word);
+        paths = true;
+        return beyond(word, {Term::after, action});
     }
 
     Token beyond(const Word& word, const Condition::Token& atom) {
@@ -247,15 +344,22 @@ private:
 
     [[noreturn]] void refuseUnknown(const Word& word, const Sort& sort,
                                     const Vocabulary::Named& names) const {
-        static const std::set<std::string_view> temporal = {
-            "A", "AF", "AG", "AX", "E", "EF", "EG", "EK", "EU", "EX", "F", "G", "R", "U", "W", "X"};
-        const std::string_view rest = trimmed(std::string_view(text).substr(at));
-        const bool operand = !rest.empty() && !rest.starts_with("->") &&
-                             std::string_view("&|),").find(rest[0]) == std::string_view::npos;
-        if (!word.quoted && operand && temporal.contains(word.text)) {
+        static const std::map<std::string_view, std::string_view> temporal = {
+            {"A", "A[... U ...]"},
+            {"E", "E[... U ...]"},
+            {"AU", "A[... U ...]"},
+            {"EU", "E[... U ...]"},
+            {"EK", "EX, EF, EG or E[... U ...]"},
+            {"F", "EF or AF, in the end on some path or on all"},
+            {"G", "EG or AG, always on some path or on all"},
+            {"X", "EX or AX, after the next step on some path or on all"},
+            {"U", "E[... U ...] or A[... U ...]"},
+            {"R", "!E[!... U !...]"},
+            {"W", "!E[!... U ...]"}};
+        const auto operation = temporal.find(word.text);
+        if (!word.quoted && operation != temporal.end() && &sort == &propositions) {
             refuse(word.begin,
-                   word.text + " is a temporal operator, and expressions have none: what is asked "
-                               "is whether a state can be reached in which they hold");
+                   word.text + " alone is no operator, write " + std::string(operation->second));
         }
         const MistakenWord mistaken = meant(word);
         const bool proposition = &sort == &propositions;
@@ -284,6 +388,7 @@ private:
     const std::string& where;
     std::size_t at = 0;
     std::optional<Word> last; // the name that is the token before, if it is one
+    Context context{true, 0};
     std::set<std::pair<std::string, std::string>> warned;
 };
 
@@ -292,15 +397,22 @@ struct Step {
     Kind kind;
     Condition::Token atom;
     bool negated; // an atom that is, once the negations have gone in
+    bool universal;
+    std::size_t begin; // of an operator
 };
 
 /// Operator-precedence parsing (the shunting-yard algorithm).
 std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
     std::vector<Step> steps;
     std::vector<Token> open; // operators and brackets that wait for their right end
+    std::size_t openPaths = 0;
+    const auto emit = [&](const Token& token, Kind kind) {
+        steps.push_back({kind, token.atom, false, token.universal, token.begin});
+    };
     const auto close = [&](Kind weakest) {
         for (; !open.empty() && open.back().kind >= weakest; open.pop_back()) {
-            steps.push_back({open.back().kind, {Term::truth}, false});
+            if (open.back().kind == Until) return;
+            emit(open.back(), open.back().kind);
         }
     };
     const auto textOf = [&](const Token& token) {
@@ -309,9 +421,9 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
     };
     bool operand = true; // whether one is due
     for (Token before{Open};;) {
-        const Token token = tokens.next();
-        const bool begins =
-            token.kind == Not || token.kind == Open || (token.kind >= False && token.kind <= Atom);
+        const Token token = tokens.next({operand, openPaths});
+        const bool begins = isUnary(token.kind) || token.kind == Open || token.kind == OpenPath ||
+                            (token.kind >= False && token.kind <= Atom);
         if (operand && !begins) {
             const bool twice = token.kind == before.kind && before.end == token.begin &&
                                (token.kind == And || token.kind == Or);
@@ -325,11 +437,40 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
         case False:
         case True:
         case Atom:
-            steps.push_back({token.kind, token.atom, false});
+            emit(token, token.kind);
             operand = false;
             break;
+        case OpenPath: ++openPaths; [[fallthrough]];
         case Not:
+        case Next:
+        case Finally:
+        case Globally:
         case Open: open.push_back(token); break;
+        case Until:
+            close(Implies);
+            if (open.back().kind != OpenPath) {
+                tokens.refuse(token.begin, open.back().kind == Until
+                                               ? "E[...] and A[...] have one U"
+                                               : "U stands between brackets of its own, write "
+                                                 "E[... U ...]");
+            }
+            open.push_back(token);
+            operand = true;
+            break;
+        case ClosePath:
+            close(Implies);
+            if (open.back().kind != Until) {
+                tokens.refuse(token.begin, open.back().kind == Open
+                                               ? R"("(" is not closed before "]")"
+                                               : "U is missing, write E[... U ...]");
+            }
+            open.pop_back();
+            emit(open.back(), Until);
+            open.pop_back();
+            --openPaths;
+            break;
+        case Release: break; // no token
+
         case Implies:
         case Or:
         case And:
@@ -341,10 +482,16 @@ std::vector<Step> parsed(const std::string& text, Tokens& tokens) {
         case End:
             close(Implies);
             if (token.kind == End) {
-                if (!open.empty()) tokens.refuse(open.back().begin, "\"(\" is not closed");
-                return steps;
+                if (open.empty()) return steps;
+                if (open.back().kind == Until) open.pop_back();
+                tokens.refuse(open.back().begin,
+                              open.back().kind == Open
+                                  ? "\"(\" is not closed"
+                                  : textOf(open.back()) + " is not closed, write E[... U ...]");
             }
-            if (open.empty()) tokens.refuse(token.begin, "\")\" closes nothing");
+            if (open.empty() || open.back().kind != Open) {
+                tokens.refuse(token.begin, "\")\" closes nothing");
+            }
             open.pop_back();
             break;
         }
@@ -369,6 +516,22 @@ void pushNegationsIn(std::vector<Step>& steps) {
             negations.push_back(negated);
             step->kind = (step->kind == And) != negated ? And : Or;
             break;
+        case Next:
+            step->universal = step->universal != negated;
+            negations.push_back(negated);
+            break;
+        case Finally:
+        case Globally:
+            step->universal = step->universal != negated;
+            step->kind = (step->kind == Finally) != negated ? Finally : Globally;
+            negations.push_back(negated);
+            break;
+        case Until:
+        case Release:
+            step->universal = step->universal != negated;
+            step->kind = (step->kind == Until) != negated ? Until : Release;
+            negations.insert(negations.end(), 2, negated);
+            break;
         case False:
         case True: step->kind = (step->kind == True) != negated ? True : False; break;
         default: step->negated = negated; break;
@@ -376,22 +539,36 @@ void pushNegationsIn(std::vector<Step>& steps) {
     }
 }
 
-Condition conditionOf(const std::vector<Step>& steps) {
-    Condition condition;
+/// The same steps as those who ask about paths know them, without Not.
+std::vector<TemporalToken> tokensOf(const std::vector<Step>& steps) {
+    using Of = TemporalToken::Kind;
+    std::vector<TemporalToken> tokens;
+    const auto add = [&](const Condition::Token& token) {
+        tokens.push_back({Of::condition, token});
+    };
     for (const Step& step : steps) {
+        const auto addTemporal = [&](Of kind) {
+            tokens.push_back({kind, {Term::truth}, step.universal, step.begin + 1});
+        };
         switch (step.kind) {
         case Not: break;
-        case And: condition.tokens.push_back({Term::conjunction}); break;
-        case Or: condition.tokens.push_back({Term::disjunction}); break;
-        case False: condition.tokens.push_back({Term::falsity}); break;
-        case True: condition.tokens.push_back({Term::truth}); break;
+        case And: add({Term::conjunction}); break;
+        case Or: add({Term::disjunction}); break;
+        case False: add({Term::falsity}); break;
+        case True: add({Term::truth}); break;
+        case Next: addTemporal(Of::next); break;
+        case Finally: addTemporal(Of::finally); break;
+        case Globally: addTemporal(Of::globally); break;
+        case Until: addTemporal(Of::until); break;
+        case Release: addTemporal(Of::release); break;
         default:
-            condition.tokens.push_back(step.atom);
-            if (step.negated) condition.tokens.push_back({Term::negation});
+            add(step.atom);
+            if (step.negated) add({Term::negation});
             break;
         }
+        if (step.kind == And || step.kind == Or) tokens.back().column = step.begin + 1;
     }
-    return condition;
+    return tokens;
 }
 
 } // namespace
@@ -401,7 +578,15 @@ Expression expressionOf(const std::string& text, const Vocabulary& vocabulary,
     Tokens tokens(text, vocabulary, where);
     std::vector<Step> steps = parsed(text, tokens);
     pushNegationsIn(steps);
-    return {conditionOf(steps), std::move(tokens.beyondFormula), std::move(tokens.warnings)};
+    TemporalFormula formula = temporalFormula(tokensOf(steps));
+    Expression expression{
+        {{{Term::falsity}}}, {}, std::move(tokens.beyondFormula), std::move(tokens.warnings)};
+    if (tokens.paths) {
+        expression.temporal = std::move(formula);
+    } else {
+        expression.condition = std::move(formula.nodes.back().condition);
+    }
+    return expression;
 }
 
 } // namespace tervoxal

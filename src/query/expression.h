@@ -1,4 +1,5 @@
-// Questions about one state as people write them, with names and operators between their operands.
+// Questions as people write them, with names and operators between their operands: about one state,
+// or about the paths from it.
 //
 //     !a             not
 //     a & b          and
@@ -12,18 +13,29 @@
 //     deadlock       no action is possible
 //     enabled(x)     action x is possible
 //     at(a, l)       automaton a is in location l
+//     after(x)       the last step was action x
+//     initial        no step has been taken yet
+//     EX a  AX a     a holds after the next step: of some path, of all paths
+//     EF a  AF a     a holds some time
+//     EG a  AG a     a holds for ever
+//     E[a U b]       b holds some time and a up to then; A[a U b] likewise
 //
 // x, a and l are numbers or names. Blanks separate and mean nothing. A bare name ends before a
 // blank, of one of ! & | ( ) " and of "->", between the brackets of an atom before a comma as
-// well; all other bytes may stand in it. `p` with digits after it is always a number, and so are
-// digits between the brackets of an atom; `true`, `false` and `deadlock` are always these words. In
-// double quotes they are names. `enabled` and `at` are names unless a bracket follows.
+// well, and in E[ ] before a "]" that it has not opened; all other bytes may stand in it. `p` with
+// digits after it is always a number, and so are digits between the brackets of an atom; `true`,
+// `false` and `deadlock` are always these words. In double quotes they are names. `enabled`, `at`
+// and `after` are names unless a bracket follows, and so are EX and its like unless an operand
+// does, where a proposition is called that. `initial` and "E[..." are names where a proposition is
+// called that.
 
 #pragma once
 
 #include "query/condition.h"
+#include "query/temporalformula.h"
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -47,8 +59,10 @@ struct Vocabulary {
 
 /// What an expression says.
 struct Expression {
-    /// Negates atoms only.
+    /// What it asks of a state; false if it is temporal. Negates atoms only.
     Condition condition;
+    /// What it asks, if it speaks of paths or of the step that led to a state.
+    std::optional<TemporalFormula> temporal;
     /// Why no formula file can say it, empty if one can.
     std::string beyondFormula;
     /// What can hardly be meant, each one line.

@@ -15,9 +15,10 @@ namespace tervoxal {
 namespace {
 
 /// Operators that are dropped or make the formula false. None stands at or after the column.
-void checkOperators(const std::string& text, std::size_t column, long line, Diagnostics& findings) {
+void checkOperators(const std::string& text, std::size_t column, long line,
+                    TemporalOperators operators, Diagnostics& findings) {
     bool dropped = false;
-    bool temporal = false;
+    bool temporal = operators == TemporalOperators::answered;
     for (std::size_t at = text.find('E'); at < column - 1; at = text.find('E', at + 1)) {
         const std::string op = text.substr(at, 2);
         bool& told = beginsTemporal(op) ? temporal : dropped;
@@ -54,12 +55,12 @@ std::vector<std::string> uncarried(const std::set<uint>& asked, const std::set<u
 }
 
 std::optional<EctlForm> checkFormula(const std::string& file, const std::set<uint>* carried,
-                                     Diagnostics& findings) {
-    return checkFormulaText(fileText(file), carried, findings);
+                                     TemporalOperators operators, Diagnostics& findings) {
+    return checkFormulaText(fileText(file), carried, operators, findings);
 }
 
 std::optional<EctlForm> checkFormulaText(std::string text, const std::set<uint>* carried,
-                                         Diagnostics& findings) {
+                                         TemporalOperators operators, Diagnostics& findings) {
     checkCarriageReturns(text, findings);
     std::istringstream in(std::move(text));
     Lines lines(in);
@@ -79,7 +80,8 @@ std::optional<EctlForm> checkFormulaText(std::string text, const std::set<uint>*
     } else if (const std::string why = valueFault(form.onp); !why.empty()) {
         findings.error(line, why);
     }
-    checkOperators(lines.text, fault ? fault->column : lines.text.size() + 1, line, findings);
+    checkOperators(lines.text, fault ? fault->column : lines.text.size() + 1, line, operators,
+                   findings);
     if (carried != nullptr) {
         for (const std::string& warning : uncarried(propsOf(form), *carried)) {
             findings.warn(line, warning);

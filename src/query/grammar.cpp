@@ -15,7 +15,7 @@ struct Form {
     std::string_view meaning;
 };
 
-constexpr std::array<Form, 13> forms = {
+constexpr std::array<Form, 19> forms = {
     {{Grammar::ofFormulas, "!a", "not a"},
      {Grammar::ofFormulas, "a & b", "a and b"},
      {Grammar::ofFormulas, "a | b", "a or b"},
@@ -27,6 +27,12 @@ constexpr std::array<Form, 13> forms = {
      {Grammar::whole, "deadlock", "no action is possible"},
      {Grammar::whole, "enabled(x)", "the action of that name or number is possible"},
      {Grammar::whole, "at(a, l)", "automaton a is in its location l, by names or numbers"},
+     {Grammar::ofPaths, "after(x)", "the last step was action x"},
+     {Grammar::ofPaths, "initial", "no step has been taken yet"},
+     {Grammar::ofPaths, "EX a, AX a", "a after the next step, of some path, of all paths"},
+     {Grammar::ofPaths, "EF a, AF a", "a some time"},
+     {Grammar::ofPaths, "EG a, AG a", "a for ever, or until no action is possible"},
+     {Grammar::ofPaths, "E[a U b]", "b some time and a up to then; A[a U b] likewise"},
      {Grammar::ofFormulas, R"("a name")", "any name that holds blanks, operators or brackets;"},
      {Grammar::ofFormulas, "", R"(\" and \\ stand for " and \ in it)"}}};
 

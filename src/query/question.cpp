@@ -27,24 +27,49 @@ public:
         for (const auto& [location, prop] : model.valuation) carried.insert(prop);
     }
 
-    /// The question, and its warnings.
-    [[nodiscard]] std::pair<Condition, std::vector<std::string>>
-    ask(const std::string& text, const std::string& where) const {
+    /// The question, with its warnings.
+    [[nodiscard]] Expression ask(const std::string& text, const std::string& where) const {
         Expression expression = expressionOf(text, vocabulary, where);
         std::set<uint> asked;
-        for (const Condition::Token& token : expression.condition.tokens) {
-            if (token.term == Condition::Term::prop) asked.insert(token.number);
+        const auto collect = [&](const Condition& condition) {
+            for (const Condition::Token& token : condition.tokens) {
+                if (token.term == Condition::Term::prop) asked.insert(token.number);
+            }
+        };
+        collect(expression.condition);
+        if (expression.temporal) {
+            for (const auto& node : expression.temporal->nodes) collect(node.condition);
         }
         for (std::string& warning : uncarried(asked, carried)) {
             expression.warnings.push_back(std::move(warning));
         }
-        return {std::move(expression.condition), std::move(expression.warnings)};
+        return expression;
+    }
+
+    /// The same of what holds again and again, which has no temporal operator.
+    [[nodiscard]] Expression askFair(const std::string& text, const std::string& where) const {
+        Expression expression = ask(text, where);
+        if (!expression.temporal) return expression;
+        const TemporalFormula::Node& root = expression.temporal->nodes.back();
+        if (root.term != TemporalFormula::Term::condition) {
+            error(where + "column " + std::to_string(root.column) +
+                  ": fairness has no temporal operator: write the condition that holds again and "
+                  "again");
+        }
+        expression.condition = root.condition;
+        return expression;
     }
 
 private:
     Vocabulary vocabulary;
     std::set<uint> carried;
 };
+
+void show(const std::vector<std::string>& warnings, const std::string& where) {
+    for (const std::string& warning : warnings) {
+        std::cerr << where << "warning: " << warning << '\n';
+    }
+}
 
 } // namespace
 
@@ -61,12 +86,24 @@ std::vector<Question> expressionQuestions(const NetTimedModel& model, const Name
     for (const std::string& text : texts) {
         const std::string where = texts.size() > 1 ? inQuotes(text) + ": " : "";
         if (!asked.insert(text).second) error(where + "asked twice");
-        auto [condition, warnings] = asker.ask(text, where);
-        for (const std::string& warning : warnings)
-            std::cerr << where << "warning: " << warning << '\n';
-        questions.push_back({text, text, std::move(condition)});
+        Expression expression = asker.ask(text, where);
+        show(expression.warnings, where);
+        questions.push_back(
+            {text, text, std::move(expression.condition), std::move(expression.temporal)});
     }
     return questions;
+}
+
+Fairness askedFairness(const NetTimedModel& model, const Names& names, const CommandLine& line) {
+    Fairness fairness{{}, line.has("weakly-fair")};
+    if (!line.has("fair")) return fairness;
+    const Asker asker(model, names);
+    for (const std::string& text : line.all("fair")) {
+        Expression expression = asker.askFair(text, "");
+        show(expression.warnings, "");
+        fairness.conditions.push_back(std::move(expression.condition));
+    }
+    return fairness;
 }
 
 void expectOneQuestion(const CommandLine& line) {
@@ -79,8 +116,18 @@ void expectOneQuestion(const CommandLine& line) {
 
 Question askedQuestion(const NetTimedModel& model, const Names& names, const CommandLine& line) {
     if (line.has("ask")) return expressionQuestion(model, names, line.value("ask", ""));
-    const std::string formula = inputName(line.operands[1]);
-    return {formula, formula, readAskedFormula(model, formula)};
+    return readAskedFormula(model, inputName(line.operands[1]));
+}
+
+Question askedStateQuestion(const NetTimedModel& model, const Names& names,
+                            const CommandLine& line) {
+    Question question = askedQuestion(model, names, line);
+    if (question.temporal) {
+        error("what is asked here is whether a state can be reached, without temporal operators, "
+              "after(...) and initial: tervoxal-solve answers " +
+              excerpt(question.text));
+    }
+    return question;
 }
 
 std::vector<Question> readQuestions(const NetTimedModel& model, const Names& names,
@@ -91,6 +138,7 @@ std::vector<Question> readQuestions(const NetTimedModel& model, const Names& nam
     std::ifstream opened;
     if (!standard) opened = openInput(file);
     std::vector<Question> questions;
+    Fairness fairness;                 // of those to come
     std::map<std::string, long> known; // the lines of the names
     Diagnostics findings;
     for (Lines lines(standard ? std::cin : opened, shown); lines.next();) {
@@ -99,16 +147,24 @@ std::vector<Question> readQuestions(const NetTimedModel& model, const Names& nam
         const std::size_t colon = lines.text.find(':');
         std::string name(trimmed(std::string_view(lines.text).substr(0, colon)));
         if (colon == std::string::npos || name.empty()) error(where + "NAME: EXPRESSION expected");
+        // Blanks in place of the name keep the columns.
+        const std::string text = lines.text.substr(colon + 1);
+        const std::string expression = std::string(colon + 1, ' ') + text;
+        if (name == "fair") {
+            Expression asked = asker.askFair(expression, where);
+            for (const std::string& warning : asked.warnings) findings.warn(lines.number, warning);
+            fairness.conditions.push_back(std::move(asked.condition));
+            continue;
+        }
         const auto [first, isNew] = known.try_emplace(name, lines.number);
         if (!isNew) {
             error(where + inQuotes(name) + " is the question of line " +
                   std::to_string(first->second) + " as well");
         }
-        // Blanks in place of the name keep the columns.
-        const std::string text = lines.text.substr(colon + 1);
-        auto [condition, warnings] = asker.ask(std::string(colon + 1, ' ') + text, where);
-        for (const std::string& warning : warnings) findings.warn(lines.number, warning);
-        questions.push_back({std::move(name), std::string(trimmed(text)), std::move(condition)});
+        Expression asked = asker.ask(expression, where);
+        for (const std::string& warning : asked.warnings) findings.warn(lines.number, warning);
+        questions.push_back({std::move(name), std::string(trimmed(text)),
+                             std::move(asked.condition), std::move(asked.temporal), fairness});
     }
     if (questions.empty()) error(shown + ": there is no question");
     findings.show(std::cerr, shown);

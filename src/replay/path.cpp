@@ -66,6 +66,21 @@ Path decodePath(const NetTimedModel& model, int k, int maxVar, std::span<const i
     return path;
 }
 
+Path twiceAround(const Path& path) {
+    Path twice = path;
+    if (!path.loop) return twice;
+    const int length = path.k - *path.loop;
+    twice.k += length;
+    for (const Path::PositionedChange& change : path.changes) {
+        if (change.position > *path.loop) {
+            twice.changes.push_back({change.position + length, change.change});
+        }
+    }
+    const std::vector<uint> around(path.actions.begin() + *path.loop, path.actions.end());
+    twice.actions.insert(twice.actions.end(), around.begin(), around.end());
+    return twice;
+}
+
 namespace {
 
 /// The number in a field of the text.

@@ -9,6 +9,7 @@
 
 #include "replay/state.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -27,7 +28,19 @@ struct Path {
     /// By ascending position and automaton. There are no more of them than true state variables and
     /// their successors, whatever k and the number of automata.
     std::vector<PositionedChange> changes;
+
+    // Of a path that shows what a formula about paths asks for:
+
+    /// The number of the action of each step; empty if any that leads there will do.
+    std::vector<uint> actions{};
+    /// The position, before the last one, that the last one equals: there it goes on for ever.
+    std::optional<int> loop{};
+    /// It ends at the last position, since no action is possible there.
+    bool ends = false;
 };
+
+/// The same path, once more through its loop if it has one.
+[[nodiscard]] Path twiceAround(const Path& path);
 
 /// Decodes a model: literals by ascending variable, each once. The network must be laid out, and
 /// maxVar is the largest state variable in the clauses. Linear in the literals and a state.

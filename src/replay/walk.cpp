@@ -17,6 +17,18 @@ Walk::Walk(const Transitions& transitions, const Path& path, const Condition& co
     met = property.holds();
 }
 
+Walk::Walk(const Transitions& transitions, const Path& path, const Course& course)
+    : Walk(transitions, path, Condition{{{Condition::Term::truth}}}) {
+    this->course = &course;
+    met = course.parts.contains(0);
+}
+
+std::span<const std::string> Walk::parts() const {
+    if (course == nullptr) return {};
+    const auto here = course->parts.find(at);
+    return here == course->parts.end() ? std::span<const std::string>() : here->second;
+}
+
 bool Walk::step() {
     if (at == path->k) return false;
     ++at;
@@ -30,8 +42,15 @@ bool Walk::step() {
         property.change(change);
     }
     // Where nothing moves twice, the same actions are possible.
-    if (!stood || !changed.empty()) possible = steps->actions(before, now, changed);
-    met = property.holds();
+    if (!stood || !changed.empty() || !path->actions.empty()) {
+        possible = steps->actions(before, now, changed);
+    }
+    if (!path->actions.empty()) {
+        const uint taken = path->actions[static_cast<std::size_t>(at) - 1];
+        const bool leads = std::ranges::binary_search(possible, taken);
+        possible.assign(leads ? 1 : 0, taken);
+    }
+    met = course != nullptr ? course->parts.contains(at) : property.holds();
     return true;
 }
 

@@ -1,11 +1,15 @@
 #include "report/answers.h"
 
+#include "query/expressiontext.h"
+#include "replay/allstates.h"
+#include "replay/temporalreplay.h"
 #include "replay/walk.h"
 #include "report/jsonreport.h"
 #include "system/outputfile.h"
 #include "text/fatal.h"
 
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <sstream>
 #include <string_view>
@@ -34,10 +38,10 @@ private:
     std::set<std::string> taken;
 };
 
-std::string_view word(Outcome::Kind kind) {
-    switch (kind) {
-    case Outcome::Kind::path: return "path";
-    case Outcome::Kind::never: return "never";
+std::string_view word(const Outcome& outcome) {
+    switch (outcome.kind) {
+    case Outcome::Kind::path: return outcome.claim ? "fails" : "path";
+    case Outcome::Kind::never: return outcome.claim ? "holds" : "never";
     case Outcome::Kind::none: return "none";
     case Outcome::Kind::open: break;
     }
@@ -45,8 +49,7 @@ std::string_view word(Outcome::Kind kind) {
 }
 
 void showJsonVerdict(std::ostream& out, const Outcome& outcome) {
-    out << R"("answer":")" << word(outcome.kind) << R"(","verdict":)"
-        << jsonString(outcome.brief());
+    out << R"("answer":")" << word(outcome) << R"(","verdict":)" << jsonString(outcome.brief());
 }
 
 } // namespace
@@ -76,9 +79,37 @@ int Answers::status() const {
 template <class Use>
 void Answers::withPath(std::size_t question, Use&& use) const {
     if (outcome(question).kind != Outcome::Kind::path) return;
-    const Walk walk(transitions, *all[question].path, asked.questions[question].condition);
+    const Path& path = *all[question].path;
+    if (const auto& temporal = asked.questions[question].temporal) {
+        const TemporalFormula formula = sought(*temporal);
+        const Course course = courseOf(question, formula);
+        use(Walk(transitions, path, course));
+        return;
+    }
+    const Walk walk(transitions, path, asked.questions[question].condition);
     replay(walk, names);
     use(walk);
+}
+
+/// What the path shows that is the answer to a question about paths; replays it.
+Course Answers::courseOf(std::size_t question, const TemporalFormula& formula) const {
+    const Question& its = asked.questions[question];
+    std::optional<AllStates> states;
+    if (needsSeveralPaths(formula)) states.emplace(transitions.model, formula, its.fairness);
+    const std::vector<MetPart> parts =
+        replay(transitions, *all[question].path, names, formula, its.fairness,
+               isClaim(*its.temporal), states ? &*states : nullptr);
+    Course course{{}, namedAutomata(transitions.model, formula)};
+    const ExpressionText text(transitions.model, names);
+    for (const auto& [position, node] : parts) {
+        course.parts[position].push_back(text.of(formula, node));
+    }
+    return course;
+}
+
+std::string Answers::shownFormula(std::size_t question) const {
+    const Question& its = asked.questions[question];
+    return its.temporal && isClaim(*its.temporal) ? "!(" + its.text + ')' : its.text;
 }
 
 void Answers::showTable(std::ostream& out) const {
@@ -96,6 +127,7 @@ void Answers::showJson(std::ostream& out) const {
         showJsonVerdict(out, outcome(q));
         withPath(q, [&](const Walk& walk) {
             out << ",\"k\":" << walk.length() << ',';
+            showJsonEnd(out, walk);
             showJsonPositions(out, walk);
         });
         out << '}';
@@ -114,6 +146,7 @@ void Answers::showJsonAnswer(std::ostream& out, std::size_t question) const {
     showJsonNetwork(out, transitions.model, names);
     withPath(question, [&](const Walk& walk) {
         out << ",\n";
+        showJsonEnd(out, walk);
         showJsonPositions(out, walk);
     });
     out << "}\n";
@@ -122,7 +155,7 @@ void Answers::showJsonAnswer(std::ostream& out, std::size_t question) const {
 void Answers::showPath(std::ostream& out, std::size_t question, Show show) const {
     withPath(question, [&](const Walk& walk) {
         const Question& of = asked.questions[question];
-        show(out, {walk, of.condition, names, asked.network, of.text, asked.all});
+        show(out, {walk, of.condition, names, asked.network, shownFormula(question), asked.all});
     });
 }
 
@@ -138,7 +171,7 @@ void Answers::writePaths(const std::string& directory, const std::string& suffix
         withPath(q, [&](const Walk& walk) {
             std::ostringstream text;
             const Question& of = asked.questions[q];
-            show(text, {walk, of.condition, names, asked.network, of.text, asked.all});
+            show(text, {walk, of.condition, names, asked.network, shownFormula(q), asked.all});
             out.write(text.view());
             if (!out.close()) error("cannot write " + file);
         });

@@ -6,6 +6,7 @@
 #include "model/names.h"
 #include "query/question.h"
 #include "replay/transitions.h"
+#include "replay/walk.h"
 #include "report/outcome.h"
 #include "report/report.h"
 
@@ -57,6 +58,9 @@ public:
 private:
     template <class Use>
     void withPath(std::size_t question, Use&& use) const;
+
+    [[nodiscard]] Course courseOf(std::size_t question, const TemporalFormula& formula) const;
+    [[nodiscard]] std::string shownFormula(std::size_t question) const;
 
     const Asked& asked;
     const Names& names;

@@ -20,7 +20,14 @@ void showPosition(std::ostream& out, const Walk& walk) {
     out << ",\"locations\":[";
     Separator commas(",");
     for (uint a = 1; a < walk.state().size(); ++a) out << commas.next() << walk.state()[a];
-    out << "],\"holds\":" << (walk.holds() ? "true" : "false") << '}';
+    out << "],\"holds\":" << (walk.holds() ? "true" : "false");
+    if (!walk.parts().empty()) {
+        out << ",\"met\":[";
+        Separator between(",");
+        for (const std::string& part : walk.parts()) out << between.next() << jsonString(part);
+        out << ']';
+    }
+    out << '}';
 }
 
 } // namespace
@@ -63,6 +70,13 @@ void showJsonNetwork(std::ostream& out, const NetTimedModel& model, const Names&
     out << '}';
 }
 
+void showJsonEnd(std::ostream& out, const Walk& walk) {
+    if (!walk.isCourse()) return;
+    const Path& path = walk.whole();
+    out << "\"loop\":" << (path.loop ? std::to_string(*path.loop) : "null")
+        << ",\"ends\":" << (path.ends ? "true" : "false") << ",\n";
+}
+
 void showJsonPositions(std::ostream& out, Walk walk) {
     out << "\"positions\":[\n";
     showPosition(out, walk);
@@ -79,6 +93,7 @@ void showJson(std::ostream& out, const Report& report) {
         << ",\n";
     showJsonNetwork(out, report.start.model(), report.names);
     out << ",\n";
+    showJsonEnd(out, report.start);
     showJsonPositions(out, report.start);
     out << "}\n";
 }

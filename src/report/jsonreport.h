@@ -27,6 +27,9 @@ private:
 [[nodiscard]] std::string jsonString(const std::string& text);
 /// The members `automata` and `actionNames`.
 void showJsonNetwork(std::ostream& out, const NetTimedModel& model, const Names& names);
+/// Of a path that shows a formula about paths the members `loop`, the position at which it goes on
+/// after the last one, or null, and `ends`; with a comma after each. Nothing of another path.
+void showJsonEnd(std::ostream& out, const Walk& walk);
 /// The member `positions`, of a walk at position 0.
 void showJsonPositions(std::ostream& out, Walk walk);
 

@@ -19,6 +19,8 @@ struct Known {
     bool unreachable = false;                         // no path of any length meets it
     std::shared_ptr<const Certificate> certificate{}; // if unreachable
     bool settled = false; // nothing is left to find out that was asked for
+    bool claim = false;   // that holds unless a path is found that shows the contrary
+    std::string open{};   // why nothing is known, if there is more to say than the time
 };
 
 /// What was asked of each question: paths of 0 to `to` steps.
@@ -34,10 +36,13 @@ struct Outcome {
 
     Kind kind;
     std::string detail; // what follows the word for the kind
+    bool claim = false; // a path shows that it does not hold, never that it does
 
-    /// For a table: "path of 4 steps", "never: ...", "none of 0 to 20 steps".
+    /// For a table: "path of 4 steps", "never: ...", "none of 0 to 20 steps"; of a claim "does not
+    /// hold: path of 4 steps", "holds: ...", "holds on all paths of 0 to 20 steps".
     [[nodiscard]] std::string brief() const;
-    /// Alone: "a path of 4 steps", "never, at any length: ...", "no path of 0 to 20 steps".
+    /// Alone: "a path of 4 steps", "never, at any length: ...", "no path of 0 to 20 steps"; of a
+    /// claim as in a table.
     [[nodiscard]] std::string full() const;
 };
 

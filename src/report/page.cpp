@@ -57,6 +57,8 @@ void showToken(std::ostream& out, const Condition::Token& token) {
     case Term::at: out << R"(["at",)" << token.number << ',' << token.location << ']'; break;
     case Term::enabled: out << R"(["enabled",)" << token.number << ']'; break;
     case Term::deadlock: out << R"("deadlock")"; break;
+    case Term::after:
+    case Term::initial: out << R"("false")"; break; // formulas about paths have them alone
     case Term::negation: out << R"("!")"; break;
     case Term::conjunction: out << R"("&")"; break;
     case Term::disjunction: out << R"("|")"; break;
@@ -99,7 +101,9 @@ void showSteps(std::ostream& out, Walk walk) {
 
 void showPage(std::ostream& out, const Report& report) {
     std::ostringstream data;
-    data << "{\"network\":" << jsonString(report.network)
+    data << '{';
+    showJsonEnd(data, report.start);
+    data << "\"network\":" << jsonString(report.network)
          << ",\n\"question\":" << jsonString(report.formula) << ",\n";
     showJsonNetwork(data, report.start.model(), report.names);
     showActions(data, report.start.model());

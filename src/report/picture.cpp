@@ -197,7 +197,8 @@ void drawNetwork(std::ostream& out, const NetTimedModel& model, const Names& nam
 
 void showDot(std::ostream& out, const Report& report) {
     const int length = report.start.length();
-    const std::string title = report.network + ", path of " + steps(length);
+    const std::string title =
+        report.network + ", path of " + steps(length) + whereItGoes(report.start.whole());
     const NetTimedModel& model = report.start.model();
     const Trace trace = traceOf(report.start);
     Picture(out, model, report.names, trace)

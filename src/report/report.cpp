@@ -6,6 +6,11 @@
 
 namespace tervoxal {
 
+std::string whereItGoes(const Path& path) {
+    if (path.loop) return ", goes on at state " + std::to_string(*path.loop);
+    return path.ends ? ", ends: no action is possible" : "";
+}
+
 std::vector<uint> shownAutomata(const Report& report) {
     std::set<uint> shown = report.start.named();
     for (Walk walk = report.start; walk.step();) {

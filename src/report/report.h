@@ -27,6 +27,9 @@ struct Report {
 /// The automata that move on the path or that the condition speaks of, ascending; all where there
 /// is none of these, or all are asked for.
 [[nodiscard]] std::vector<uint> shownAutomata(const Report& report);
+/// How a path goes on that shows a formula about paths: ", goes on at state 3", ", ends: no action
+/// is possible", or nothing.
+[[nodiscard]] std::string whereItGoes(const Path& path);
 
 /// Writes a report of one format.
 using Show = void (*)(std::ostream& out, const Report& report);

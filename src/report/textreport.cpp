@@ -19,9 +19,17 @@ std::string shownAction(uint number, const Names& names) {
 /// A line that begins a block: a star in front where the formula holds.
 std::string_view margin(const Walk& walk) { return walk.holds() ? "* " : "  "; }
 
+/// What is met here of a formula about paths.
+void showParts(std::ostream& out, const Walk& walk) {
+    for (const std::string& part : walk.parts()) {
+        out << "      met: " << readable(part) << '\n';
+    }
+}
+
 void showState(std::ostream& out, const Walk& walk, const Names& names,
                const std::vector<uint>& automata) {
     out << margin(walk) << "state " << walk.position() << '\n';
+    if (walk.position() == 0) showParts(out, walk);
     for (const uint a : automata) {
         out << "      " << readable(names.automaton(a)) << ": "
             << readable(names.location(a, walk.state()[a])) << '\n';
@@ -35,6 +43,7 @@ void showStep(std::ostream& out, const Walk& walk, const Names& names) {
         out << before << shownAction(action, names) << '\n';
         before = "      or ";
     }
+    showParts(out, walk);
     for (const Change& change : walk.changes()) {
         const uint a = change.automaton;
         out << "      " << readable(names.automaton(a)) << ": "
@@ -51,7 +60,11 @@ void showText(std::ostream& out, const Report& report) {
     const std::vector<uint> automata = shownAutomata(report);
     Walk walk = report.start;
     out << readable(report.network) << ", " << steps(walk.length());
-    if (!report.formula.empty()) out << "; * marks where " << readable(report.formula) << " holds";
+    if (walk.isCourse()) {
+        out << "; * marks where parts of " << readable(report.formula) << " are met";
+    } else if (!report.formula.empty()) {
+        out << "; * marks where " << readable(report.formula) << " holds";
+    }
     out << '\n';
     const auto all = static_cast<std::size_t>(walk.model().nrOfAutomata);
     if (automata.size() < all) {
@@ -60,11 +73,15 @@ void showText(std::ostream& out, const Report& report) {
     }
     out << '\n';
     showState(out, walk, names, automata);
-    if (walk.length() == 0) return;
-    out << '\n';
-    while (out && walk.step()) showStep(out, walk, names);
-    out << '\n';
-    showState(out, walk, names, automata);
+    if (walk.length() > 0) {
+        out << '\n';
+        while (out && walk.step()) showStep(out, walk, names);
+        out << '\n';
+        showState(out, walk, names, automata);
+    }
+    const Path& path = walk.whole();
+    if (path.loop) out << "\n  goes on at state " << *path.loop << '\n';
+    if (path.ends && walk.isCourse()) out << "\n  ends here: no action is possible\n";
 }
 
 } // namespace tervoxal

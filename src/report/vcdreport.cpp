@@ -95,6 +95,8 @@ void showLocation(std::ostream& out, const Walk& walk, const Names& names, uint 
 void showVcd(std::ostream& out, const Report& report) {
     const Names& names = report.names;
     Walk walk = report.start;
+    const Path path = twiceAround(walk.whole());
+    walk.goOn(path);
     showHeader(out, report);
     bool held = walk.holds();
     uint latest = 0;

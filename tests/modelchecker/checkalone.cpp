@@ -17,7 +17,7 @@ int main(int argc, char* argv[]) {
     Names names;
     readNamedNetwork(model, names, argv[2]);
     const FlatNetwork network(model);
-    Board board(network, {readAskedFormula(model, argv[3])}, {std::atoi(argv[4])});
+    Board board(network, {readAskedFormula(model, argv[3]).condition}, {std::atoi(argv[4])});
     Prover prover(
         board, names,
         {std::chrono::seconds(std::atoi(argv[1])),

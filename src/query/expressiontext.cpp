@@ -1,0 +1,142 @@
+#include "query/expressiontext.h"
+
+#include "query/vocabulary.h"
+#include "text/escapes.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace tervoxal {
+
+namespace {
+
+/// Whether a name needs no quotes wherever it stands.
+bool isBare(const std::string& name) {
+    static const std::set<std::string> words = {
+        "true", "false", "deadlock", "initial", "A", "AF", "AG", "AX", "E", "EF", "EG", "EX", "U"};
+    const auto plain = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               c == '_';
+    };
+    const bool number =
+        name.find_first_not_of("0123456789", name.starts_with('p') ? 1 : 0) == std::string::npos;
+    return !name.empty() && !number && std::ranges::all_of(name, plain) && !words.contains(name);
+}
+
+/// The name if it is given and no other one's, else the number after its prefix.
+template <class Given, class Key>
+std::string word(const Given& given, const Key& key, const Vocabulary::Named& named,
+                 const std::string& number) {
+    const auto found = given.find(key);
+    if (found == given.end() || named.at(found->second).size() > 1) return number;
+    return isBare(found->second) ? found->second : quoted(found->second);
+}
+
+} // namespace
+
+/// A text and how strongly its operator binds: 1 |, 2 &, 3 all others.
+struct ExpressionText::Operand {
+    std::string text;
+    int strength = 3;
+
+    [[nodiscard]] std::string at(int least) const {
+        return strength < least ? '(' + text + ')' : text;
+    }
+    [[nodiscard]] static Operand joined(const Operand& a, const Operand& b, bool conjunction) {
+        const int strength = conjunction ? 2 : 1;
+        return {a.at(strength) + (conjunction ? " & " : " | ") + b.at(strength + 1), strength};
+    }
+};
+
+struct ExpressionText::Algebra {
+    static Operand constant(bool value) { return {value ? "true" : "false"}; }
+    [[nodiscard]] Operand atom(const Condition::Token& token) const { return {text.atom(token)}; }
+    static Operand negation(const Operand& a) { return {'!' + a.at(3)}; }
+    static Operand conjunction(const Operand& a, const Operand& b) {
+        return Operand::joined(a, b, true);
+    }
+    static Operand disjunction(const Operand& a, const Operand& b) {
+        return Operand::joined(a, b, false);
+    }
+
+    const ExpressionText& text;
+};
+
+ExpressionText::ExpressionText(const NetTimedModel& model, const Names& names)
+    : vocabulary(vocabularyOf(model, names)), names(names) {}
+
+std::string ExpressionText::atom(const Condition::Token& token) const {
+    using Term = Condition::Term;
+    const std::string number = std::to_string(token.number);
+    switch (token.term) {
+    case Term::prop: return word(names.props, token.number, vocabulary.props, 'p' + number);
+    case Term::enabled:
+    case Term::after:
+        return (token.term == Term::after ? "after(" : "enabled(") +
+               word(names.actions, token.number, vocabulary.actions.named, number) + ')';
+    case Term::at:
+        return "at(" + word(names.automata, token.number, vocabulary.automata.named, number) +
+               ", " +
+               word(names.locations, NetTimedModel::Location(token.number, token.location),
+                    vocabulary.locations.at(token.number).named, std::to_string(token.location)) +
+               ')';
+    case Term::deadlock: return "deadlock";
+    default: return "initial";
+    }
+}
+
+ExpressionText::Operand ExpressionText::operand(const Condition& condition) const {
+    return valueOf(condition, Algebra{*this});
+}
+
+std::string ExpressionText::of(const Condition& condition) const { return operand(condition).text; }
+
+std::string ExpressionText::of(const TemporalFormula& formula, std::size_t node) const {
+    using Term = TemporalFormula::Term;
+    std::vector<bool> needed(node + 1); // the nodes below
+    needed[node] = true;
+    for (std::size_t n = node + 1; n-- > 0;) {
+        const TemporalFormula::Node& own = formula.nodes[n];
+        if (!needed[n] || own.term == Term::condition) continue;
+        needed[own.left] = true;
+        needed[own.right] = true;
+    }
+    const auto isConstant = [&](std::size_t n, Condition::Term term) {
+        const TemporalFormula::Node& own = formula.nodes[n];
+        return own.term == Term::condition && own.condition.tokens.size() == 1 &&
+               own.condition.tokens[0].term == term;
+    };
+    std::vector<Operand> texts(node + 1);
+    for (std::size_t n = 0; n <= node; ++n) {
+        if (!needed[n]) continue;
+        const TemporalFormula::Node& own = formula.nodes[n];
+        if (own.term == Term::condition) {
+            texts[n] = operand(own.condition);
+            continue;
+        }
+        const Operand& left = texts[own.left];
+        const Operand& right = texts[own.right];
+        const std::string path = own.universal ? "A" : "E";
+        switch (own.term) {
+        case Term::next: texts[n] = {path + "X " + right.at(3)}; break;
+        case Term::until:
+            texts[n] = isConstant(own.left, Condition::Term::truth)
+                           ? Operand{path + "F " + right.at(3)}
+                           : Operand{path + '[' + left.text + " U " + right.text + ']'};
+            break;
+        case Term::release:
+            // Expressions have no release, which is the negation of until.
+            texts[n] = isConstant(own.left, Condition::Term::falsity)
+                           ? Operand{path + "G " + right.at(3)}
+                           : Operand{std::string(own.universal ? "!E[!" : "!A[!") + left.at(3) +
+                                     " U !" + right.at(3) + ']'};
+            break;
+        default: texts[n] = Operand::joined(left, right, own.term == Term::conjunction);
+        }
+    }
+    return texts[node].text;
+}
+
+} // namespace tervoxal
