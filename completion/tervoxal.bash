@@ -58,4 +58,4 @@ _tervoxal() {
 }
 
 complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-draw tervoxal-formula \
-    tervoxal-import tervoxal-lint tervoxal-path tervoxal-solve tervoxal-sweep
+    tervoxal-import tervoxal-info tervoxal-lint tervoxal-path tervoxal-solve tervoxal-sweep

@@ -20,8 +20,19 @@ namespace {
 const Option helpOption{"help", "", "show this help and exit"};
 const Option versionOption{"version", "", "show the version and exit"};
 
+bool mayBeLeftOut(const std::string& argument) { return argument.starts_with('['); }
+
 std::string shown(const Option& option) {
-    return "--" + option.name + (option.argument.empty() ? "" : "=" + option.argument);
+    const std::string& argument = option.argument;
+    return "--" + option.name +
+           (argument.empty()         ? ""
+            : mayBeLeftOut(argument) ? "[=" + argument.substr(1)
+                                     : '=' + argument);
+}
+
+int argumentKind(const Option& option) {
+    if (option.argument.empty()) return no_argument;
+    return mayBeLeftOut(option.argument) ? optional_argument : required_argument;
 }
 
 void showHelp(const Command& command, const std::vector<Option>& options) {
@@ -53,8 +64,7 @@ CommandLine::CommandLine(const Command& command, int argc, char** argv) : name(c
     std::vector<option> known;
     known.reserve(options.size() + 1);
     for (const Option& o : options) {
-        known.push_back(
-            {o.name.c_str(), o.argument.empty() ? no_argument : required_argument, nullptr, 0});
+        known.push_back({o.name.c_str(), argumentKind(o), nullptr, 0});
     }
     known.push_back({nullptr, 0, nullptr, 0});
 

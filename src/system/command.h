@@ -14,7 +14,8 @@ namespace tervoxal {
 /// An option of a command.
 struct Option {
     std::string name;     // without its dashes
-    std::string argument; // what stands for its value in the help; empty: the option has none
+    std::string argument; // what stands for its value in the help; empty: the option has none;
+                          // in brackets: the value may be left out, and then is empty
     std::string about;    // its lines in the help, without a newline at the end
 };
 
