@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <span>
 #include <tuple>
 #include <utility>
@@ -18,11 +19,9 @@ constexpr std::size_t longestRepeated = 100; // bytes
 
 /// The numbers of the places, unit by unit, each with its places in ascending order.
 std::vector<uint> placesByUnit(const PetriNet& net) {
-    std::vector<uint> next(net.units.size() + 1);
-    for (const PetriNet::Place& place : net.places) ++next[place.unit + 1];
-    for (std::size_t u = 1; u < next.size(); ++u) next[u] += next[u - 1];
     std::vector<uint> places(net.places.size());
-    for (uint p = 0; p < places.size(); ++p) places[next[net.places[p].unit]++] = p;
+    std::iota(places.begin(), places.end(), 0U);
+    std::ranges::stable_sort(places, {}, [&](uint p) { return net.places[p].unit; });
     return places;
 }
 

@@ -1,5 +1,8 @@
 #include "model/flatnetwork.h"
 
+#include "model/owners.h"
+#include "model/rows.h"
+
 #include <algorithm>
 #include <cassert>
 #include <limits>
@@ -10,27 +13,21 @@ namespace {
 
 constexpr uint never = std::numeric_limits<uint>::max();
 
-/// The network of a network before anything is left out, and the levels of what runs may reach.
+/// The network before anything is left out, and the levels of what runs may reach.
 struct Raw {
     explicit Raw(const NetTimedModel& model);
 
     void findLevels();
     void reach(uint location, uint level, std::vector<uint>& found);
 
-    struct Participant {
-        uint action;
-        uint automaton;
-        const std::set<NetTimedModel::Move>* moves;
-        bool ready; // it has come to a source
-    };
+    using Participant = Owners::Owner;
 
+    const Owners owners;
     std::vector<uint> locationsBegin; // of each automaton, from 1 on
-    std::vector<uint> actionNumbers;
-    std::vector<Participant> participants;
-    std::vector<uint> participantsBegin; // of each action
-    std::vector<uint> participantOf;     // of each location, as the source of a participant
-    std::vector<uint> participantOfBegin;
-    std::vector<uint> waiting; // of each action: its participants that have not come to a source
+    std::vector<uint> actionOf;       // of each participant
+    std::vector<bool> ready;          // of each participant: it has come to a source
+    std::vector<uint> waiting;        // of each action: its participants that are not ready
+    Rows<uint> participantsAt;        // of each location, as a source of theirs
     std::vector<uint> locationLevel;
     std::vector<uint> actionLevel;
 
@@ -42,44 +39,24 @@ struct Raw {
     }
 };
 
-Raw::Raw(const NetTimedModel& model) {
+Raw::Raw(const NetTimedModel& model) : owners(model) {
     locationsBegin.resize(model.nrOfBits.size() + 1);
     for (const auto& [location, vertex] : model.verts) ++locationsBegin[location.first + 1];
     for (std::size_t a = 1; a < locationsBegin.size(); ++a) {
         locationsBegin[a] += locationsBegin[a - 1];
     }
-    actionNumbers.reserve(model.actionAutomata.size());
-    for (const auto& [number, automata] : model.actionAutomata) actionNumbers.push_back(number);
-    for (const auto& [local, moves] : model.actionEdges) {
-        if (model.nrOfBits[local.first] == 0) continue; // it takes part from every state
-        const auto at = std::lower_bound(actionNumbers.begin(), actionNumbers.end(), local.second);
-        participants.push_back(
-            {static_cast<uint>(at - actionNumbers.begin()), local.first, &moves, false});
-    }
-    std::stable_sort(
-        participants.begin(), participants.end(),
-        [](const Participant& p, const Participant& q) { return p.action < q.action; });
-    participantsBegin.resize(actionNumbers.size() + 1);
-    for (const Participant& p : participants) ++participantsBegin[p.action + 1];
-    for (std::size_t x = 1; x < participantsBegin.size(); ++x) {
-        participantsBegin[x] += participantsBegin[x - 1];
-    }
     std::vector<std::pair<uint, uint>> sources;
-    for (uint p = 0; p < participants.size(); ++p) {
-        for (const auto& move : *participants[p].moves) {
-            const std::pair<uint, uint> entry(source(participants[p], move), p);
-            if (sources.empty() || sources.back() != entry) sources.push_back(entry);
+    for (uint x = 0; x < owners.size(); ++x) {
+        for (const Participant& p : owners[x]) {
+            const auto index = static_cast<uint>(actionOf.size());
+            for (const auto& move : *p.moves) {
+                const std::pair<uint, uint> entry(source(p, move), index);
+                if (sources.empty() || sources.back() != entry) sources.push_back(entry);
+            }
+            actionOf.push_back(x);
         }
     }
-    std::sort(sources.begin(), sources.end());
-    participantOfBegin.resize(locationsBegin.back() + 1);
-    for (const auto& [location, p] : sources) {
-        participantOf.push_back(p);
-        ++participantOfBegin[location + 1];
-    }
-    for (std::size_t l = 1; l < participantOfBegin.size(); ++l) {
-        participantOfBegin[l] += participantOfBegin[l - 1];
-    }
+    participantsAt = Rows<uint>(locationsBegin.back(), sources);
     findLevels();
 }
 
@@ -91,13 +68,13 @@ void Raw::reach(uint location, uint level, std::vector<uint>& found) {
 
 void Raw::findLevels() {
     locationLevel.assign(locationsBegin.back(), never);
-    actionLevel.assign(actionNumbers.size(), never);
-    waiting.resize(actionNumbers.size());
-    for (const Participant& p : participants) ++waiting[p.action];
+    actionLevel.assign(owners.size(), never);
+    ready.resize(actionOf.size());
     std::vector<uint> found;
     std::vector<uint> next;
     for (std::size_t a = 1; a + 1 < locationsBegin.size(); ++a) reach(locationsBegin[a], 0, found);
-    for (std::size_t x = 0; x < waiting.size(); ++x) {
+    for (std::size_t x = 0; x < owners.size(); ++x) {
+        waiting.push_back(static_cast<uint>(owners[x].size()));
         if (waiting[x] == 0) actionLevel[x] = 0;
     }
     for (uint level = 0; !found.empty(); ++level) {
@@ -110,22 +87,20 @@ void Raw::findLevels() {
             }
         };
         for (const uint location : found) {
-            for (uint i = participantOfBegin[location]; i < participantOfBegin[location + 1]; ++i) {
-                Participant& participant = participants[participantOf[i]];
-                const uint x = participant.action;
-                if (!participant.ready) --waiting[x];
-                participant.ready = true;
+            for (const uint p : participantsAt[location]) {
+                const uint x = actionOf[p];
+                if (!ready[p]) --waiting[x];
+                ready[p] = true;
                 if (waiting[x] != 0) continue;
                 if (actionLevel[x] != never) {
-                    take(participant, location);
+                    take(owners[x][p - owners.begin(x)], location);
                     continue;
                 }
                 actionLevel[x] = level;
-                for (uint p = participantsBegin[x]; p < participantsBegin[x + 1]; ++p) {
-                    for (const auto& move : *participants[p].moves) {
-                        const uint from = source(participants[p], move);
-                        if (locationLevel[from] <= level) {
-                            reach(target(participants[p], move), level + 1, next);
+                for (const Participant& participant : owners[x]) {
+                    for (const auto& move : *participant.moves) {
+                        if (locationLevel[source(participant, move)] <= level) {
+                            reach(target(participant, move), level + 1, next);
                         }
                     }
                 }
@@ -158,10 +133,9 @@ FlatNetwork::FlatNetwork(const NetTimedModel& model) : model(model) {
         automata.push_back({a, static_cast<uint>(locations.size())});
         automatonAt[a] = index;
     }
-    for (uint x = 0; x < raw.actionNumbers.size(); ++x) {
+    for (std::size_t x = 0; x < raw.owners.size(); ++x) {
         if (raw.actionLevel[x] == never) continue;
-        for (uint i = raw.participantsBegin[x]; i < raw.participantsBegin[x + 1]; ++i) {
-            const Raw::Participant& p = raw.participants[i];
+        for (const Raw::Participant& p : raw.owners[x]) {
             if (locationAt[raw.locationsBegin[p.automaton]] == never) continue;
             for (const auto& move : *p.moves) {
                 const uint source = locationAt[raw.source(p, move)];
@@ -170,7 +144,7 @@ FlatNetwork::FlatNetwork(const NetTimedModel& model) : model(model) {
             participants.push_back({automatonAt[p.automaton], static_cast<uint>(moves.size())});
         }
         actions.push_back(
-            {raw.actionNumbers[x], static_cast<uint>(participants.size()), raw.actionLevel[x]});
+            {raw.owners.number(x), static_cast<uint>(participants.size()), raw.actionLevel[x]});
         lastLevel = std::max(lastLevel, raw.actionLevel[x]);
     }
     std::vector<std::pair<uint, NetTimedModel::Location>> values;
@@ -184,9 +158,7 @@ FlatNetwork::FlatNetwork(const NetTimedModel& model) : model(model) {
 }
 
 std::optional<uint> FlatNetwork::automaton(uint a) const {
-    const auto found =
-        std::lower_bound(automata.begin(), automata.end(), a,
-                         [](const Automaton& x, uint number) { return x.number < number; });
+    const auto found = std::ranges::lower_bound(automata, a, {}, &Automaton::number);
     if (found == automata.end() || found->number != a) return {};
     return static_cast<uint>(found - automata.begin());
 }
@@ -198,17 +170,14 @@ FlatNetwork::Place FlatNetwork::place(uint a, uint l) const {
         return {there && l == 0, {}};
     }
     const auto end = locations.begin() + automata[*index].locationsEnd;
-    const auto at =
-        std::lower_bound(locations.begin() + locationsBegin(*index), end, l,
-                         [](const Location& x, uint number) { return x.number < number; });
+    const auto at = std::ranges::lower_bound(locations.begin() + locationsBegin(*index), end, l, {},
+                                             &Location::number);
     if (at == end || at->number != l) return {false, {}};
     return {false, static_cast<uint>(at - locations.begin())};
 }
 
 std::optional<uint> FlatNetwork::action(uint number) const {
-    const auto found =
-        std::lower_bound(actions.begin(), actions.end(), number,
-                         [](const Action& x, uint wanted) { return x.number < wanted; });
+    const auto found = std::ranges::lower_bound(actions, number, {}, &Action::number);
     if (found == actions.end() || found->number != number) return {};
     return static_cast<uint>(found - actions.begin());
 }

@@ -1,4 +1,4 @@
-// The network of a network laid out flat, without what no run can reach.
+// The network laid out flat, without what no run can reach.
 //
 // Only what counts is left, and numbered anew from 0:
 //
@@ -80,8 +80,7 @@ public:
         [[nodiscard]] bool empty() const { return first == last; }
     };
 
-    /// The network of a network that is read and laid out. Linear in them, but for the sorting of
-    /// what each location is the source of.
+    /// Of a network that is read and laid out. Linear in its tables, each of which is looked up.
     explicit FlatNetwork(const NetTimedModel& model);
 
     std::vector<Automaton> automata;
@@ -113,7 +112,7 @@ public:
     }
 
     /// Whether location l of automaton a, numbers of the network, is where the automaton can be:
-    /// nowhere, always, or at a location of these network.
+    /// nowhere, always, or at a location of this network.
     struct Place {
         bool always;
         std::optional<uint> location;

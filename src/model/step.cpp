@@ -1,5 +1,7 @@
 #include "model/step.h"
 
+#include "model/owners.h"
+
 #include <algorithm>
 #include <cassert>
 #include <limits>
@@ -29,14 +31,14 @@ Step::Step(const NetTimedModel& model) : stateBits(model.totalNrVertBits) {
 
     const auto endMark = static_cast<uint>(automata.size());
     std::map<std::vector<uint>, std::vector<uint>> actionsOf; // of each list of participants
-    for (const auto& [number, owners] : model.actionAutomata) {
+    const Owners owners(model);
+    for (std::size_t x = 0; x < owners.size(); ++x) {
         std::vector<uint> movers;
-        for (const uint a : owners) {
-            if (model.nrOfBits[a] == 0) continue;
-            const std::set<NetTimedModel::Move>& own = model.actionEdges.at({a, number});
-            moves.insert(moves.end(), own.begin(), own.end());
-            participants.push_back({indexOf[a], static_cast<uint>(moves.size())});
-            movers.push_back(indexOf[a]);
+        for (const Owners::Owner& owner : owners[x]) {
+            const uint a = indexOf[owner.automaton];
+            moves.insert(moves.end(), owner.moves->begin(), owner.moves->end());
+            participants.push_back({a, static_cast<uint>(moves.size())});
+            movers.push_back(a);
         }
         // Actions without a participant are alike. At the head of the disjunction they fold into
         // one.

@@ -11,6 +11,7 @@ namespace tervoxal {
 namespace {
 
 using Move = NetTimedModel::Move;
+using Owner = Owners::Owner;
 
 constexpr uint largest = std::numeric_limits<uint>::max();
 const Move anyMove(largest, largest);
@@ -18,28 +19,18 @@ const Move anyMove(largest, largest);
 /// Those of sorted elements that have the key; the elements are sorted by it.
 template <class Element, class Key, class KeyOf>
 std::span<const Element> withKey(std::span<const Element> sorted, const Key& key, KeyOf keyOf) {
-    const auto begin =
-        std::lower_bound(sorted.begin(), sorted.end(), key,
-                         [&](const Element& e, const Key& k) { return keyOf(e) < k; });
-    const auto end = std::upper_bound(begin, sorted.end(), key,
-                                      [&](const Key& k, const Element& e) { return k < keyOf(e); });
-    return {begin, end};
+    const auto found = std::ranges::equal_range(sorted, key, {}, keyOf);
+    return {found.begin(), found.end()};
 }
 
 bool isLoop(const Move& move) { return move.first == move.second; }
 
 } // namespace
 
-Transitions::Transitions(const NetTimedModel& model) : model(model) {
-    for (const auto& [number, automata] : model.actionAutomata) {
-        const std::size_t before = allOwners.size();
-        for (const uint a : automata) {
-            if (model.nrOfBits[a] != 0)
-                allOwners.push_back({a, &model.actionEdges.at({a, number})});
-        }
-        if (allOwners.size() == before) alwaysActive.push_back(number);
-        actionsByNumber.push_back({number, allOwners.size()});
-        addCandidates(static_cast<uint>(actionsByNumber.size() - 1));
+Transitions::Transitions(const NetTimedModel& model) : model(model), owners(model) {
+    for (uint action = 0; action < owners.size(); ++action) {
+        if (owners[action].empty()) alwaysActive.push_back(owners.number(action));
+        addCandidates(action);
     }
     std::sort(index.begin(), index.end(), [](const Candidate& x, const Candidate& y) {
         return std::tie(x.automaton, x.move, x.other, x.otherMove, x.action) <
@@ -50,7 +41,7 @@ Transitions::Transitions(const NetTimedModel& model) : model(model) {
 }
 
 void Transitions::addCandidates(uint action) {
-    const std::span<const Owner> all = ownersOf(action);
+    const std::span<const Owner> all = owners[action];
     // A step in which nothing moves is found from the first owner, if each owner has a self loop.
     const bool canIdle = std::ranges::all_of(
         all, [](const Owner& owner) { return std::ranges::any_of(*owner.moves, isLoop); });
@@ -69,18 +60,6 @@ void Transitions::addCandidates(uint action) {
     if (canIdle && !all.empty()) idlers.push_back(all.front().automaton);
 }
 
-std::span<const Transitions::Owner> Transitions::ownersOf(uint action) const {
-    const std::size_t begin = action == 0 ? 0 : actionsByNumber[action - 1].ownersEnd;
-    return std::span(allOwners).subspan(begin, actionsByNumber[action].ownersEnd - begin);
-}
-
-std::span<const Transitions::Owner> Transitions::owners(uint number) const {
-    const auto found = withKey(std::span(actionsByNumber), number,
-                               [](const Action& action) { return action.number; });
-    assert(found.size() == 1);
-    return ownersOf(static_cast<uint>(found.data() - actionsByNumber.data()));
-}
-
 std::span<const Transitions::Candidate> Transitions::candidates(uint automaton, Move move) const {
     return withKey(std::span(index), std::pair(automaton, move),
                    [](const Candidate& c) { return std::pair(c.automaton, c.move); });
@@ -92,7 +71,7 @@ void Transitions::addLeading(std::span<const Candidate> candidates, const State&
     const auto moveOf = [&](uint a) { return Move(from[a], to[a]); };
     const auto leads = [&](uint action) {
         std::size_t moved = 0;
-        for (const Owner& owner : ownersOf(action)) {
+        for (const Owner& owner : owners[action]) {
             const Move move = moveOf(owner.automaton);
             if (!owner.moves->contains(move)) return false;
             moved += isLoop(move) ? 0 : 1;
@@ -107,8 +86,7 @@ void Transitions::addLeading(std::span<const Candidate> candidates, const State&
         const auto addWith = [&](const Move& move) {
             for (const Candidate& candidate :
                  withKey(sameOther, move, [](const Candidate& c) { return c.otherMove; })) {
-                if (leads(candidate.action))
-                    numbers.push_back(actionsByNumber[candidate.action].number);
+                if (leads(candidate.action)) numbers.push_back(owners.number(candidate.action));
             }
         };
         if (other != 0) addWith(moveOf(other));

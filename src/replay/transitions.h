@@ -9,9 +9,9 @@
 
 #pragma once
 
+#include "model/owners.h"
 #include "replay/state.h"
 
-#include <set>
 #include <span>
 #include <vector>
 
@@ -28,25 +28,12 @@ public:
     [[nodiscard]] std::vector<uint> actions(const State& from, const State& to,
                                             std::span<const Change> changes) const;
 
-    using Move = NetTimedModel::Move;
-
-    /// An automaton of more than one location that has an action, and its transitions with it. The
-    /// automata of one location take part in theirs from every state and do not occur.
-    struct Owner {
-        uint automaton;
-        const std::set<Move>* moves;
-    };
-    /// The owners of an action, by ascending automaton. Precondition, asserted: the network has the
-    /// action.
-    [[nodiscard]] std::span<const Owner> owners(uint number) const;
-
     const NetTimedModel& model;
+    const Owners owners;
 
 private:
-    struct Action {
-        uint number;
-        std::size_t ownersEnd;
-    };
+    using Move = NetTimedModel::Move;
+
     /// A transition of the automaton with an action, and what the action asks of one other owner.
     struct Candidate {
         uint automaton;
@@ -57,13 +44,10 @@ private:
     };
 
     void addCandidates(uint action);
-    [[nodiscard]] std::span<const Owner> ownersOf(uint action) const;
     [[nodiscard]] std::span<const Candidate> candidates(uint automaton, Move move) const;
     void addLeading(std::span<const Candidate> candidates, const State& from, const State& to,
                     std::size_t changes, std::vector<uint>& numbers) const;
 
-    std::vector<Owner> allOwners; // action by action
-    std::vector<Action> actionsByNumber;
     std::vector<Candidate> index;   // sorted
     std::vector<uint> idlers;       // the automata whose self loops are in the index, ascending
     std::vector<uint> alwaysActive; // the numbers of the actions without an owner, ascending

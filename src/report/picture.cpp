@@ -50,7 +50,8 @@ Trace traceOf(Walk walk) {
         const uint action = walk.actions().front();
         steps[action].add(walk.position());
         auto change = walk.changes().begin();
-        for (const Transitions::Owner& owner : walk.transitions().owners(action)) {
+        const Owners& owners = walk.transitions().owners;
+        for (const Owners::Owner& owner : owners[owners.index(action)]) {
             const uint a = owner.automaton;
             const uint l = walk.state()[a];
             NetTimedModel::Move move(l, l);

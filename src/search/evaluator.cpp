@@ -23,12 +23,12 @@ public:
     }
     void finish(std::span<const Literal> literals) {
         const std::size_t nodes = evaluator.missing.size();
-        evaluator.lookingAtLocation = rowsOf(atLocation, network.locations.size());
-        evaluator.lookingAtNode = rowsOf(atNode, nodes);
+        evaluator.lookingAtLocation = Rows<uint>(network.locations.size(), atLocation);
+        evaluator.lookingAtNode = Rows<uint>(nodes, atNode);
         std::vector<std::pair<uint, uint>> conditions;
         conditions.reserve(literals.size());
         for (uint c = 0; c < literals.size(); ++c) conditions.emplace_back(literals[c], c);
-        evaluator.conditionsOf = rowsOf(conditions, 2 * nodes);
+        evaluator.conditionsOf = Rows<uint>(2 * nodes, conditions);
     }
 
     Literal constant(bool value) {
@@ -148,19 +148,6 @@ Evaluator::Evaluator(const FlatNetwork& network, std::span<const Condition* cons
         if (isTrue(2 * x)) add(x);
     }
     for (uint a = 0; a < places.size(); ++a) places[a] = network.locationsBegin(a);
-}
-
-/// The items of each index, in the order of the entries.
-Evaluator::Rows Evaluator::rowsOf(const std::vector<std::pair<uint, uint>>& entries,
-                                  std::size_t count) {
-    Rows rows;
-    rows.begin.resize(count + 1);
-    for (const auto& [index, item] : entries) ++rows.begin[index + 1];
-    for (std::size_t i = 1; i <= count; ++i) rows.begin[i] += rows.begin[i - 1];
-    rows.items.resize(entries.size());
-    std::vector<uint> next(rows.begin.begin(), rows.begin.end() - 1);
-    for (const auto& [index, item] : entries) rows.items[next[index]++] = item;
-    return rows;
 }
 
 void Evaluator::add(uint action) {

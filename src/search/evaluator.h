@@ -14,6 +14,7 @@
 #pragma once
 
 #include "model/flatnetwork.h"
+#include "model/rows.h"
 #include "query/condition.h"
 
 #include <algorithm>
@@ -53,19 +54,8 @@ public:
 
 private:
     using Literal = uint;
-    /// Lists in a row: of each index, where its list begins; and where the last one ends.
-    struct Rows {
-        std::vector<uint> begin;
-        std::vector<uint> items;
-
-        [[nodiscard]] std::span<const uint> operator[](std::size_t i) const {
-            return std::span(items).subspan(begin[i], begin[i + 1] - begin[i]);
-        }
-    };
     class Builder;
 
-    [[nodiscard]] static Rows rowsOf(const std::vector<std::pair<uint, uint>>& entries,
-                                     std::size_t count);
     [[nodiscard]] bool isTrue(Literal literal) const {
         return (missing[literal / 2] == 0) == (literal % 2 == 0);
     }
@@ -76,11 +66,11 @@ private:
     void await(Literal literal);
 
     const FlatNetwork& network;
-    std::vector<uint> missing; // of each node
-    Rows lookingAtLocation;    // the nodes
-    Rows lookingAtNode;        // a literal of each node that has it, negated where it is negated
+    std::vector<uint> missing;    // of each node
+    Rows<uint> lookingAtLocation; // the nodes
+    Rows<uint> lookingAtNode;     // a literal of each node that has it, negated where it is negated
     std::vector<Literal> literals; // of each condition
-    Rows conditionsOf;             // of each literal
+    Rows<uint> conditionsOf;       // of each literal
     std::vector<uint> kept;        // of each literal, how many of its conditions are left
     std::vector<bool> awaited;     // literals that are among those that came, or were told
     std::vector<Literal> came;     // to be true, and are to be told if they still are
@@ -103,7 +93,7 @@ void Evaluator::tell(Use&& use) {
             awaited[literal] = false;
             continue;
         }
-        const auto begin = conditionsOf.items.begin() + conditionsOf.begin[literal];
+        const auto begin = conditionsOf[literal].begin();
         const auto end = std::remove_if(begin, begin + kept[literal], [&](uint condition) {
             return !use(std::size_t{condition});
         });

@@ -120,14 +120,11 @@ void RandomWalk::step(const FlatNetwork& network) {
         uint choices = 1;
         if (network.participants[p].movesEnd - m > 1) { // mostly there is no other
             const auto all = network.moves.begin();
-            const auto bySource = [](const FlatNetwork::Move& a, const FlatNetwork::Move& b) {
-                return a.source < b.source;
-            };
-            const auto [begin, end] =
-                std::equal_range(all + m, all + network.participants[p].movesEnd,
-                                 FlatNetwork::Move{source, 0}, bySource);
-            m = static_cast<uint>(begin - all);
-            choices = static_cast<uint>(end - begin);
+            const auto found =
+                std::ranges::equal_range(all + m, all + network.participants[p].movesEnd, source,
+                                         {}, &FlatNetwork::Move::source);
+            m = static_cast<uint>(found.begin() - all);
+            choices = static_cast<uint>(found.size());
         }
         if (choices > 1) m += static_cast<uint>(draw(choices));
         moves.push_back(m);

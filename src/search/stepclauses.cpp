@@ -1,5 +1,7 @@
 #include "search/stepclauses.h"
 
+#include "model/rows.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -30,10 +32,17 @@ struct Effect {
     int sign; // of the location's literal in a test
 };
 
+/// A clause, by how far from the last position it matters.
+struct Clause {
+    uint distance;
+    std::size_t end;
+    Says what;
+};
+
 class Maker {
 public:
-    Maker(StepClauses& made, const FlatNetwork& network, const Scope& scope, Says without)
-        : made(made), network(network), scope(scope), without(without) {}
+    Maker(StepClauses& made, const FlatNetwork& network)
+        : made(made), network(network), scope(made.scope) {}
 
     void make();
 
@@ -61,38 +70,30 @@ private:
         const int var = made.locations[l];
         return var < 0 ? var - made.stateSize : var + made.stateSize;
     }
-    [[nodiscard]] std::span<Mover> moversOf(uint a) {
-        const uint begin = a == 0 ? 0 : moversEnd[a - 1];
-        return std::span(movers).subspan(begin, moversEnd[a] - begin);
-    }
     [[nodiscard]] uint participantsEnd(uint x) const { return network.actions[x].participantsEnd; }
 
     StepClauses& made;
     const FlatNetwork& network;
     const Scope& scope;
-    const Says without;
     std::vector<uint> distances; // of each automaton
-    std::vector<Mover> movers;   // by automaton
-    std::vector<uint> moversEnd;
-    std::vector<std::pair<uint, std::size_t>>
-        clauses; // how far from the last position they matter, and their ends
+    Rows<Mover> movers;          // of each automaton
+    std::vector<Clause> clauses;
 };
 
 int Maker::newVar(uint level, uint distance) {
-    if (scope.kind == StepKind::relaxed || !scope.initial || without == Says::start) level = 0;
+    if (scope.kind == StepKind::relaxed || !scope.initial) level = 0;
     made.variables.push_back({level, distance, 0});
     if (level != never) made.lastLevel = std::max(made.lastLevel, level);
     return static_cast<int>(made.variables.size());
 }
 
 void Maker::say(Says what, std::span<const int> clause) {
-    if (what == without) return;
     uint distance = 1;
     for (const int literal : clause) distance = std::max(distance, made.variable(literal).distance);
     if (distance == never) return;
     made.clauses.insert(made.clauses.end(), clause.begin(), clause.end());
     made.clauses.push_back(0);
-    clauses.emplace_back(distance, made.clauses.size());
+    clauses.push_back({distance, made.clauses.size(), what});
 }
 
 /// Pairs of few. Of many, each literal fixes the row and the column of a square in which it stands,
@@ -218,23 +219,18 @@ void Maker::layOutActions() {
 void Maker::layOutMovers() {
     std::vector<uint> rank(made.order.size());
     for (uint i = 0; i < rank.size(); ++i) rank[made.order[i]] = i;
-    moversEnd.resize(network.automata.size());
-    for (uint p = 0; p < network.participants.size(); ++p) {
-        moversEnd[network.participants[p].automaton] +=
-            network.participants[p].movesEnd - network.movesBegin(p);
-    }
-    std::partial_sum(moversEnd.begin(), moversEnd.end(), moversEnd.begin());
-    std::vector<uint> at(moversEnd.size());
-    for (uint a = 1; a < at.size(); ++a) at[a] = moversEnd[a - 1];
-    movers.resize(network.moves.size());
+    std::vector<std::pair<uint, Mover>> entries;
+    entries.reserve(network.moves.size());
     for (uint x = 0; x < network.actions.size(); ++x) {
         for (const uint p : network.participantsOf(x)) {
             for (const uint m : network.movesOf(p)) {
-                movers[at[network.participants[p].automaton]++] = {
-                    network.moves[m].source, network.moves[m].target, rank[x], made.moves[m]};
+                entries.push_back(
+                    {network.participants[p].automaton,
+                     {network.moves[m].source, network.moves[m].target, rank[x], made.moves[m]}});
             }
         }
     }
+    movers = Rows<Mover>(network.automata.size(), entries);
 }
 
 void Maker::state(uint a) {
@@ -251,7 +247,7 @@ void Maker::state(uint a) {
 /// location at a time. So only those that are the same have to exclude each other, and tests of a
 /// location need not.
 void Maker::unordered(uint a) {
-    const std::span<Mover> moves = moversOf(a);
+    const std::span<Mover> moves = movers[a];
     const uint begin = network.locationsBegin(a);
     const uint end = network.automata[a].locationsEnd;
     std::vector<std::vector<int>> into(end - begin);
@@ -292,7 +288,7 @@ void Maker::ordered(uint a) {
     const uint end = network.automata[a].locationsEnd;
     const bool bit = end - begin == 2;
     std::vector<std::vector<Effect>> events(end - begin);
-    for (const Mover& move : moversOf(a)) {
+    for (const Mover& move : movers[a]) {
         const bool test = move.source == move.target;
         if (bit) {
             const bool first = move.source == begin;
@@ -351,17 +347,16 @@ void Maker::ordered(uint l, std::vector<Effect>& events, bool bit) {
 void Maker::sortClauses() {
     std::vector<std::size_t> order(clauses.size());
     std::iota(order.begin(), order.end(), std::size_t(0));
-    std::stable_sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
-        return clauses[i].first < clauses[j].first;
-    });
+    std::ranges::stable_sort(order, {}, [&](std::size_t i) { return clauses[i].distance; });
     std::vector<int> sorted;
     sorted.reserve(made.clauses.size());
     for (const std::size_t i : order) {
-        made.clausesEnd.resize(clauses[i].first, sorted.size());
-        const std::size_t begin = i == 0 ? 0 : clauses[i - 1].second;
+        made.clausesEnd.resize(clauses[i].distance, sorted.size());
+        const std::size_t begin = i == 0 ? 0 : clauses[i - 1].end;
         sorted.insert(sorted.end(), made.clauses.begin() + static_cast<std::ptrdiff_t>(begin),
-                      made.clauses.begin() + static_cast<std::ptrdiff_t>(clauses[i].second));
+                      made.clauses.begin() + static_cast<std::ptrdiff_t>(clauses[i].end));
         made.clausesEnd.back() = sorted.size();
+        made.said.push_back(clauses[i].what);
     }
     made.clauses.swap(sorted);
 }
@@ -394,11 +389,14 @@ void Maker::make() {
             unordered(a);
         }
     }
-    const std::size_t alone = made.clauses.size();
+    const std::size_t before = clauses.size();
+    const auto end = static_cast<std::ptrdiff_t>(made.clauses.size());
     for (uint a = 0; a < network.automata.size(); ++a) state(a);
     if (!scope.initial) {
-        made.stateClauses.assign(made.clauses.begin() + static_cast<std::ptrdiff_t>(alone),
-                                 made.clauses.end());
+        made.stateClauses.assign(made.clauses.begin() + end, made.clauses.end());
+        for (std::size_t i = before; i < clauses.size(); ++i) {
+            made.saidOfStates.push_back(clauses[i].what);
+        }
     }
     sortClauses();
     countVariables();
@@ -406,8 +404,8 @@ void Maker::make() {
 
 } // namespace
 
-StepClauses::StepClauses(const FlatNetwork& network, const Scope& scope, Says without) {
-    Maker(*this, network, scope, without).make();
+StepClauses::StepClauses(const FlatNetwork& network, const Scope& scope) : scope(scope) {
+    Maker(*this, network).make();
 }
 
 } // namespace tervoxal

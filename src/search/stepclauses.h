@@ -35,8 +35,7 @@ namespace tervoxal {
 enum class StepKind { interleaving, independent, relaxed };
 
 /// The clauses by what they say.
-enum class Says {
-    start,     // every automaton is in location 0 at position 0
+enum class Says : unsigned char {
     somewhere, // an automaton is in one of its locations
     once,      // and in no other
     source,    // a move leaves its source
@@ -44,8 +43,7 @@ enum class Says {
     taken,     // a move is one of its action
     choice,    // an action has a move of each participant
     frame,     // what no move changes stays
-    exclusion, // of what would be in each other's way only one is in a step
-    nothing
+    exclusion  // of what would be in each other's way only one is in a step
 };
 
 /// What is unrolled.
@@ -61,13 +59,14 @@ struct Scope {
 
 struct StepClauses {
     /// Linear in the network, but for sorting.
-    StepClauses(const FlatNetwork& network, const Scope& scope, Says without);
+    StepClauses(const FlatNetwork& network, const Scope& scope);
 
     struct Variable {
         uint level;    // it is false in the first `level` steps
         uint distance; // the cone holds it from that many steps before the last position backward
         uint offset;   // its index among those of a state, or of a step, of the same distance
     };
+    const Scope scope;
     std::vector<Variable> variables; // from 1 on
     /// The number of variables of a state, and of a step, at each distance.
     std::vector<uint> stateBlocks;
@@ -83,7 +82,9 @@ struct StepClauses {
     std::vector<int> clauses;
     /// The end of those of distance 1, of distance 2, ...
     std::vector<std::size_t> clausesEnd;
-    std::vector<int> stateClauses; // of a state alone
+    std::vector<int> stateClauses; // of a state alone, which no run has to come to
+    std::vector<Says> said;        // of each of the clauses, what it says
+    std::vector<Says> saidOfStates;
     uint lastLevel = 0;
 
     [[nodiscard]] const Variable& variable(int literal) const {

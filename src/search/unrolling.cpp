@@ -7,18 +7,21 @@
 
 namespace tervoxal {
 
-Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope, Says without)
-    : network(network), solver(solver), scope(scope), without(without),
-      clauses(network, this->scope, without), verity(solver.newVariable()), states(1), steps(1) {
+Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope)
+    : Unrolling(network, solver, StepClauses(network, scope)) {}
+
+Unrolling::Unrolling(const FlatNetwork& network, Solver& solver, StepClauses made)
+    : network(network), solver(solver), clauses(std::move(made)), verity(solver.newVariable()),
+      states(1), steps(1) {
     solver.add({verity});
     allot(states[0], clauses.stateBlocks, 0);
-    if (!scope.initial) {
+    if (!clauses.scope.initial) {
         // The clauses of a state alone have variables of the step that leads to it.
         for (std::size_t d = 0; d < clauses.stepBlocks.size(); ++d) {
             allot(steps[0], clauses.stepBlocks, d);
         }
         give(-1, clauses.stateClauses);
-    } else if (without != Says::start) {
+    } else {
         for (uint l = 0; l < network.locations.size(); ++l) {
             if (clauses.locations[l] > 0) starting.push_back(l);
         }
@@ -135,8 +138,10 @@ void Unrolling::give(int step, std::span<const int> literals) {
 int Unrolling::location(int position, uint l) const {
     const int var = clauses.locations[l];
     const uint level = network.locations[var > 0 ? l : l + 1].level;
-    const bool anywhere = !scope.initial || without == Says::start;
-    const uint first = anywhere ? 0 : scope.kind == StepKind::relaxed ? std::min(level, 1U) : level;
+    const Scope& scope = clauses.scope;
+    const uint first = !scope.initial                    ? 0
+                       : scope.kind == StepKind::relaxed ? std::min(level, 1U)
+                                                         : level;
     if (static_cast<uint>(position) < first) return var < 0 ? verity : -verity;
     return var < 0 ? -number(-var, position) : number(var, position);
 }

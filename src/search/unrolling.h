@@ -24,10 +24,10 @@ namespace tervoxal {
 
 class Unrolling {
 public:
-    /// At position 0. The network and the solver must outlive it. One kind of clauses may be left
-    /// out, so that tests can see what it is for.
-    Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope,
-              Says without = Says::nothing);
+    /// At position 0. The network and the solver must outlive it.
+    Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope);
+    /// With the clauses of the network's steps.
+    Unrolling(const FlatNetwork& network, Solver& solver, StepClauses clauses);
 
     /// One more position.
     void step();
@@ -72,8 +72,6 @@ private:
     void hold(const Fact& fact, int position);
 
     Solver& solver;
-    const Scope scope;
-    const Says without;
     const StepClauses clauses;
     int verity;
     std::vector<Blocks> states; // by position

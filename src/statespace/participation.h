@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/flatnetwork.h"
+#include "model/rows.h"
 
 #include <span>
 #include <vector>
@@ -15,10 +16,7 @@ public:
     explicit Participation(const FlatNetwork& network);
 
     /// The participants of the network that are that automaton, ascending, so by ascending action.
-    [[nodiscard]] std::span<const uint> of(uint automaton) const {
-        return std::span(participants)
-            .subspan(begin[automaton], begin[automaton + 1] - begin[automaton]);
-    }
+    [[nodiscard]] std::span<const uint> of(uint automaton) const { return participants[automaton]; }
     /// The action of a participant.
     [[nodiscard]] uint action(uint participant) const { return actions[participant]; }
     /// The actions without a participant: possible in each state, which they do not change.
@@ -28,8 +26,7 @@ public:
 
 private:
     std::vector<uint> actions;
-    std::vector<uint> begin;
-    std::vector<uint> participants;
+    Rows<uint> participants;
     std::vector<uint> alone;
 };
 

@@ -103,13 +103,7 @@ void StateSpace::layOutActions() {
             if (places.empty() || places.back() != place) places.push_back(place);
         }
     }
-    std::ranges::sort(places);
-    triedBegin.resize(keys.size() + 1);
-    for (const auto& [location, x] : places) {
-        ++triedBegin[location + 1];
-        tried.push_back(x);
-    }
-    for (std::size_t l = 1; l < triedBegin.size(); ++l) triedBegin[l] += triedBegin[l - 1];
+    tried = Rows<uint>(keys.size(), places);
 }
 
 /// The state in row, hash and locations.
@@ -129,11 +123,11 @@ std::pair<uint, uint> StateSpace::choices(const Participant& participant, uint s
         const uint m = participant.movesBegin;
         return {m, moves[m].source == source ? m + 1 : m};
     }
-    const auto end = moves.begin() + participant.movesEnd;
-    const auto first = std::ranges::lower_bound(moves.begin() + participant.movesBegin, end, source,
-                                                {}, &Move::source);
-    const auto last = std::ranges::upper_bound(first, end, source, {}, &Move::source);
-    return {static_cast<uint>(first - moves.begin()), static_cast<uint>(last - moves.begin())};
+    const auto found =
+        std::ranges::equal_range(moves.begin() + participant.movesBegin,
+                                 moves.begin() + participant.movesEnd, source, {}, &Move::source);
+    return {static_cast<uint>(found.begin() - moves.begin()),
+            static_cast<uint>(found.end() - moves.begin())};
 }
 
 /// Makes the chosen moves in row and hash, or takes them back.
@@ -153,8 +147,8 @@ std::int64_t StateSpace::forEachSuccessor(Scratch& scratch, Use&& use) const {
     auto work = static_cast<std::int64_t>(fields.size() / 8 + width);
     for (std::size_t s = 0; s < fields.size(); ++s) {
         const uint location = fields[s].firstIndex + scratch.here[s];
-        for (uint i = triedBegin[location]; i < triedBegin[location + 1]; ++i) {
-            const Action& action = actions[tried[i]];
+        for (const uint x : tried[location]) {
+            const Action& action = actions[x];
             scratch.choices.clear();
             bool possible = true;
             for (uint p = action.participantsBegin; possible && p < action.participantsEnd; ++p) {

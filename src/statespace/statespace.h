@@ -22,6 +22,7 @@
 
 #pragma once
 
+#include "model/rows.h"
 #include "statespace/participation.h"
 
 #include <cstddef>
@@ -158,8 +159,7 @@ private:
     std::vector<Move> moves;               // of a participant after the other
     /// By location, the actions that are tried there: each at the participant with the fewest
     /// moves.
-    std::vector<uint> triedBegin;
-    std::vector<uint> tried;
+    Rows<uint> tried;
 
     std::vector<Word> rows;
     std::vector<State> parents;

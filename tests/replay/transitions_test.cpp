@@ -84,7 +84,8 @@ TEST(Transitions, actionsOfManyAutomata) {
             for (const uint a : automata)
                 if (model.nrOfBits[a] > 0) expected.push_back(a);
             std::vector<uint> owners;
-            for (const Transitions::Owner& owner : transitions.owners(action)) {
+            for (const Owners::Owner& owner :
+                 transitions.owners[transitions.owners.index(action)]) {
                 owners.push_back(owner.automaton);
                 EXPECT_EQ(*owner.moves, model.actionEdges.at({owner.automaton, action}));
             }
@@ -98,7 +99,7 @@ TEST(Transitions, ownersOfAnActionThatIsNone) {
     NetTimedModel model;
     read(model, EXAMPLES "/two");
     const Transitions transitions(model);
-    EXPECT_DEATH((void)transitions.owners(5), "found.size\\(\\) == 1");
+    EXPECT_DEATH((void)transitions.owners.index(5), "found->number == number");
 }
 
 TEST(Property, followsTheStateStepByStep) {
