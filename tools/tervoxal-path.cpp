@@ -140,9 +140,7 @@ Question otherQuestion(NetTimedModel& model, const Names& names, const CommandLi
 int main(int argc, char* argv[]) {
     const CommandLine line(command, argc, argv);
     std::ios::sync_with_stdio(false);
-    const std::string format = line.value("format", "text");
-    const Show show = showOf(format);
-    if (show == nullptr) line.misused("unknown format '" + format + "'");
+    const Show show = askedFormat(line).show;
     const bool witness = line.has("witness");
     const bool taken = line.has("walk");
     if (witness && taken) line.misused("one of --witness and --walk at a time");

@@ -89,8 +89,7 @@ struct Call {
 
     bool many;
     bool formulaFile;
-    std::string format;
-    Show show;
+    Format format;
     long seconds;
     bool prove;
     bool follow;
@@ -122,18 +121,14 @@ Call::Call(const CommandLine& line) {
     proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
     states = static_cast<std::size_t>(line.number("states", 1, greatestPathLength, 10'000'000));
     if (line.has("certificate") && many) line.misused("--certificate is of one question");
-    format = line.value("format", "text");
-    show = showOf(format);
-    if (show == nullptr) {
-        line.misused("--format needs text, json, vcd, dot or html, not '" + format + "'");
-    }
+    format = askedFormat(line);
     follow = line.has("follow");
-    if (follow && (!many || format == "json")) {
+    if (follow && (!many || format.name == "json")) {
         line.misused("--follow needs several questions, and their table");
     }
     if (line.has("paths") && !many) line.misused("--paths needs several questions");
-    if (many && format != "text" && format != "json" && !line.has("paths")) {
-        line.misused("--format=" + format + " of many questions needs --paths");
+    if (many && format.name != "text" && format.name != "json" && !line.has("paths")) {
+        line.misused("--format=" + format.name + " of many questions needs --paths");
     }
     asked.network = inputName(line.operands[0]);
     asked.all = line.has("all");
@@ -154,16 +149,16 @@ void show(const Call& call, const Answers& answers) {
     if (outcome.kind != Outcome::Kind::path || outcome.claim || !answers.settled(0)) {
         std::cerr << outcome.full() << '\n';
     }
-    if (call.format == "json") {
+    if (call.format.name == "json") {
         answers.showJsonAnswer(std::cout, 0);
     } else {
-        answers.showPath(std::cout, 0, call.show);
+        answers.showPath(std::cout, 0, call.format.show);
     }
 }
 
 void showMany(const CommandLine& line, const Call& call, const Answers& answers,
               const Progress& progress) {
-    if (call.format == "json") {
+    if (call.format.name == "json") {
         answers.showJson(std::cout);
     } else {
         for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
@@ -171,8 +166,8 @@ void showMany(const CommandLine& line, const Call& call, const Answers& answers,
         }
     }
     if (line.has("paths")) {
-        answers.writePaths(line.value("paths", ""), call.format == "text" ? "txt" : call.format,
-                           call.show);
+        answers.writePaths(line.value("paths", ""),
+                           call.format.name == "text" ? "txt" : call.format.name, call.format.show);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "programs/children.h"
 #include "programs/directories.h"
 #include "query/askedformula.h"
+#include "report/report.h"
 #include "sweep/sweep.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -18,10 +19,8 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <set>
 #include <sstream>
 #include <string>
-#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -110,10 +109,7 @@ int main(int argc, char* argv[]) {
     task.to = call.numberIn(call.operands[2], "PathLen", 1, greatestPathLength);
     task.from = call.number("from", 1, task.to, 1);
     task.jobs = static_cast<std::size_t>(call.number("jobs", 1, 1024, 1));
-    task.format = call.value("format", "text");
-    if (!std::set<std::string_view>{"text", "json", "vcd", "dot", "html"}.contains(task.format)) {
-        call.misused("--format needs text, json, vcd, dot or html, not '" + task.format + "'");
-    }
+    task.format = askedFormat(call).name;
     task.tervoxal = companion("tervoxal");
     task.tervoxalPath = companion("tervoxal-path");
     task.solver = call.has("solver") ? call.value("solver", "") : defaultSolver();

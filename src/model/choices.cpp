@@ -1,18 +1,14 @@
 #include "model/choices.h"
 
+#include "model/layout.h"
+
 #include <algorithm>
-#include <bit>
 #include <iterator>
 #include <limits>
 
 namespace tervoxal {
 
 namespace {
-
-/// The bits that tell so many numbers apart.
-int widthOf(std::size_t numbers) {
-    return numbers == 0 ? 0 : static_cast<int>(std::bit_width(numbers - 1));
-}
 
 /// The end of the moves that leave the source of the first one.
 Choices::Moves::const_iterator endOfSource(const Choices::Moves& moves,
@@ -23,7 +19,7 @@ Choices::Moves::const_iterator endOfSource(const Choices::Moves& moves,
 } // namespace
 
 Choices::Choices(const NetTimedModel& model)
-    : action{0, widthOf(model.actionAutomata.size())}, automata(model.nrOfBits.size()) {
+    : action{0, bitsFor(model.actionAutomata.size())}, automata(model.nrOfBits.size()) {
     for (const auto& [number, owners] : model.actionAutomata) actions.push_back(number);
     if (actions.size() == 1) action.width = 1;
     for (const auto& [local, moves] : model.actionEdges) {
@@ -41,7 +37,7 @@ std::vector<Choices::Move> Choices::choicesOf(const Moves& moves) {
     std::vector<Move> all;
     for (auto move = moves.begin(); move != moves.end();) {
         const auto end = endOfSource(moves, move);
-        const int width = widthOf(static_cast<std::size_t>(std::distance(move, end)));
+        const int width = bitsFor(static_cast<std::size_t>(std::distance(move, end)));
         for (uint number = 0; move != end; ++move, ++number)
             all.push_back({move->first, move->second, number, width});
     }
@@ -52,7 +48,7 @@ std::optional<uint> Choices::target(const Moves& moves, uint source, uint number
     const auto first = moves.lower_bound({source, 0});
     if (first == moves.end() || first->first != source) return std::nullopt;
     const auto count = static_cast<std::size_t>(std::distance(first, endOfSource(moves, first)));
-    number &= (1U << static_cast<uint>(widthOf(count))) - 1;
+    number &= (1U << static_cast<uint>(bitsFor(count))) - 1;
     if (number >= count) return std::nullopt;
     return std::next(first, number)->second;
 }

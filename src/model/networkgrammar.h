@@ -12,7 +12,6 @@
 #include <concepts>
 #include <optional>
 #include <string_view>
-#include <tuple>
 
 namespace tervoxal {
 
@@ -22,12 +21,8 @@ struct Transition {
     uint source;
     uint target;
 
-    bool operator==(const Transition&) const = default;
+    auto operator<=>(const Transition&) const = default; // NOLINT(modernize-use-nullptr)
 };
-
-inline bool operator<(const Transition& a, const Transition& b) {
-    return std::tie(a.action, a.source, a.target) < std::tie(b.action, b.source, b.target);
-}
 
 /// What the parser calls, in the order of the file.
 template <class Handler>

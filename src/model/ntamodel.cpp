@@ -1,5 +1,6 @@
 #include "model/ntamodel.h"
 
+#include "model/layout.h"
 #include "model/step.h"
 #include "system/filenames.h"
 #include "system/outputfile.h"
@@ -23,11 +24,9 @@ void NetTimedModel::compNrOfBits(int /*k*/) {
     bitShift = nrOfBits;
     for (const auto& [location, vertex] : verts) ++nrOfBits[location.first];
     for (std::size_t a = 1; a < nrOfBits.size(); ++a) {
-        int count = 0;
-        for (long power = 1; power < nrOfBits[a]; power *= 2) ++count;
-        nrOfBits[a] = count;
+        nrOfBits[a] = bitsFor(static_cast<std::size_t>(nrOfBits[a]));
         bitShift[a] = nrOfBits[a - 1] + bitShift[a - 1];
-        totalNrVertBits += count;
+        totalNrVertBits += nrOfBits[a];
     }
 }
 

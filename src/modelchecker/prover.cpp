@@ -1,6 +1,7 @@
 #include "modelchecker/prover.h"
 
 #include "model/choices.h"
+#include "model/layout.h"
 #include "programs/witness.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
@@ -22,10 +23,7 @@ constexpr std::chrono::milliseconds interval(10);
 } // namespace
 
 Certificate certificateOf(const NetTimedModel& model, const std::vector<Cube>& cubes) {
-    std::vector<uint> automatonOf; // of each latch
-    for (uint a = 1; a < model.nrOfBits.size(); ++a) {
-        automatonOf.insert(automatonOf.end(), static_cast<std::size_t>(model.nrOfBits[a]), a);
-    }
+    const std::vector<uint> automatonOf = automataOfBits(model); // of each latch
     struct Bits {
         uint mask = 0;
         uint value = 0;

@@ -1,5 +1,7 @@
 #include "replay/path.h"
 
+#include "model/layout.h"
+
 #include "model/choices.h"
 
 #include <algorithm>
@@ -30,10 +32,7 @@ void forEachChange(const Marked& before, const Marked& after, Use&& use) {
 } // namespace
 
 Path decodePath(const NetTimedModel& model, int k, int maxVar, std::span<const int> literals) {
-    std::vector<uint> automatonOf; // by bit of a state
-    for (uint a = 1; a < model.nrOfBits.size(); ++a) {
-        automatonOf.insert(automatonOf.end(), static_cast<std::size_t>(model.nrOfBits[a]), a);
-    }
+    const std::vector<uint> automatonOf = automataOfBits(model);
 
     Path path{k, initialState(model), {}};
     Marked before;

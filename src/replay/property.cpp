@@ -75,8 +75,10 @@ void Property::changeCount(uint atom, bool up) {
 void Property::change(const Change& change) {
     const auto forEach = [&](uint location, bool up) {
         const NetTimedModel::Location key(change.automaton, location);
-        auto at = std::lower_bound(counted.begin(), counted.end(), std::pair(key, 0U));
-        for (; at != counted.end() && at->first == key; ++at) changeCount(at->second, up);
+        using Entry = std::pair<NetTimedModel::Location, uint>;
+        for (const auto& entry : std::ranges::equal_range(counted, key, {}, &Entry::first)) {
+            changeCount(entry.second, up);
+        }
     };
     forEach(change.source, false);
     forEach(change.target, true);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cassert>
 #include <limits>
-#include <tuple>
 #include <utility>
 
 namespace tervoxal {
@@ -32,10 +31,7 @@ Transitions::Transitions(const NetTimedModel& model) : model(model), owners(mode
         if (owners[action].empty()) alwaysActive.push_back(owners.number(action));
         addCandidates(action);
     }
-    std::sort(index.begin(), index.end(), [](const Candidate& x, const Candidate& y) {
-        return std::tie(x.automaton, x.move, x.other, x.otherMove, x.action) <
-               std::tie(y.automaton, y.move, y.other, y.otherMove, y.action);
-    });
+    std::sort(index.begin(), index.end());
     std::sort(idlers.begin(), idlers.end());
     idlers.erase(std::unique(idlers.begin(), idlers.end()), idlers.end());
 }

@@ -41,6 +41,8 @@ private:
         uint other;     // 0 if there is no other owner
         Move otherMove; // its only transition with the action, or anyMove
         uint action;    // an index
+
+        auto operator<=>(const Candidate&) const = default; // NOLINT(modernize-use-nullptr)
     };
 
     void addCandidates(uint action);

@@ -77,7 +77,7 @@ Trace traceOf(Walk walk) {
 }
 
 /// A string of DOT that shows the lines as they are.
-std::string quoted(const std::vector<std::string>& lines) {
+std::string label(const std::vector<std::string>& lines) {
     std::string literal = "\"";
     for (const std::string& line : lines) {
         if (&line != &lines.front()) literal += "\\n";
@@ -100,15 +100,15 @@ public:
         : out(out), model(model), names(names), trace(trace) {}
 
     void show(const std::string& title, const std::vector<uint>& automata) {
-        std::vector<std::string> label = {title};
+        std::vector<std::string> heading = {title};
         const auto leftOut = static_cast<std::size_t>(model.nrOfAutomata) - automata.size();
         if (leftOut > 0) {
-            label.push_back("left out: " + std::to_string(leftOut) + " of " +
-                            std::to_string(model.nrOfAutomata) + " automata");
+            heading.push_back("left out: " + std::to_string(leftOut) + " of " +
+                              std::to_string(model.nrOfAutomata) + " automata");
         }
         // From left to right, labels stay within the cluster of their arrow.
-        out << "digraph " << quoted({title}) << " {\n"
-            << "  graph [label=" << quoted(label) << ", labelloc=t, rankdir=LR, nodesep=0.4, "
+        out << "digraph " << label({title}) << " {\n"
+            << "  graph [label=" << label(heading) << ", labelloc=t, rankdir=LR, nodesep=0.4, "
             << font << "]\n"
             << "  node [shape=box, style=rounded, fontsize=12, " << font << "]\n"
             << "  edge [fontsize=10, " << font << "]\n";
@@ -120,7 +120,7 @@ public:
 private:
     void showAutomaton(uint a) {
         out << "  subgraph cluster_" << a << " {\n"
-            << "    label=" << quoted({names.automaton(a)}) << "; labeljust=l; margin=14;\n"
+            << "    label=" << label({names.automaton(a)}) << "; labeljust=l; margin=14;\n"
             << "    a" << a << " [shape=point, width=0.1];\n"
             << "    a" << a << " -> a" << a << "_0;\n";
         auto value = model.valuation.lower_bound({{a, 0}, 0});
@@ -149,7 +149,7 @@ private:
         const auto& [a, l] = location;
         std::vector<std::string> lines = {names.location(a, l)};
         for (const std::string& prop : props) lines.push_back('{' + prop + '}');
-        out << "    a" << a << '_' << l << " [label=" << quoted(lines);
+        out << "    a" << a << '_' << l << " [label=" << label(lines);
         if (trace.visited.contains(location)) {
             out << R"(, style="rounded,filled", fillcolor="#cfe3f7")";
         }
@@ -161,7 +161,7 @@ private:
         for (std::string& line : lines) line.insert(0, 1, ' ').append(1, ' '); // off the arrow
         if (move.first == move.second) lines.emplace_back(" ");                // above the loop
         out << "    a" << a << '_' << move.first << " -> a" << a << '_' << move.second
-            << " [label=" << quoted(lines);
+            << " [label=" << label(lines);
         if (taken != trace.taken.end()) out << R"(, style=bold, color="#1f5fa8")";
         out << "];\n";
     }

@@ -22,14 +22,18 @@ std::vector<uint> shownAutomata(const Report& report) {
     return all;
 }
 
-Show showOf(const std::string& format) {
+Format askedFormat(const CommandLine& line) {
     const std::map<std::string, Show> formats = {{"text", showText},
                                                  {"json", showJson},
                                                  {"vcd", showVcd},
                                                  {"dot", showDot},
                                                  {"html", showPage}};
-    const auto found = formats.find(format);
-    return found == formats.end() ? nullptr : found->second;
+    const std::string name = line.value("format", "text");
+    const auto found = formats.find(name);
+    if (found == formats.end()) {
+        line.misused("--format needs text, json, vcd, dot or html, not '" + name + "'");
+    }
+    return {name, found->second};
 }
 
 } // namespace tervoxal

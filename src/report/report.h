@@ -7,6 +7,7 @@
 #include "model/names.h"
 #include "query/condition.h"
 #include "replay/walk.h"
+#include "system/command.h"
 
 #include <ostream>
 #include <string>
@@ -48,7 +49,12 @@ void showDot(std::ostream& out, const Report& report);
 /// A page for a browser (page.h).
 void showPage(std::ostream& out, const Report& report);
 
-/// The writer of the format of that name: text, json, vcd, dot or html. Null for another name.
-[[nodiscard]] Show showOf(const std::string& format);
+/// What --format asks for: text, json, vcd, dot or html.
+struct Format {
+    std::string name;
+    Show show;
+};
+/// That of a command line, text without the option. Another name is a misuse.
+[[nodiscard]] Format askedFormat(const CommandLine& line);
 
 } // namespace tervoxal

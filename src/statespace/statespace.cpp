@@ -1,5 +1,7 @@
 #include "statespace/statespace.h"
 
+#include "model/layout.h"
+
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -56,7 +58,7 @@ void StateSpace::layOutFields() {
         const uint a = members[s];
         slots[a] = s;
         const auto count = static_cast<uint>(network.locationsOf(a).size());
-        const auto bits = static_cast<uint>(std::bit_width(count - 1));
+        const auto bits = static_cast<uint>(bitsFor(count));
         if (used + bits > wordBits) {
             ++word;
             used = 0;
