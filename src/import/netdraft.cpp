@@ -162,6 +162,7 @@ void Resolver::numberPlaces() {
 
 void Resolver::addUnits() {
     constexpr uint none = ~0U;
+    net->safe = true;
     for (PetriNet::Place& place : net->places) place.unit = none;
     uint latest = none;
     bool marked = false; // a place of the latest unit

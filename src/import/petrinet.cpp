@@ -1,12 +1,15 @@
 #include "import/petrinet.h"
 
 #include "import/message.h"
+#include "model/netids.h"
 #include "model/networkwriter.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
 #include <numeric>
 #include <span>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -55,11 +58,10 @@ void addCounts(const PetriNet& net, NetAutomata& automata, const PetriNet::Arc& 
     }
 }
 
-/// Appends the moves of one transition, whose arcs come unit by unit. Gives the reason if there are
-/// none.
+/// Appends the moves of one transition, whose arcs come unit by unit. Gives the reason if it can
+/// have none.
 std::string addMoves(const PetriNet& net, NetAutomata& automata,
                      std::span<const PetriNet::Arc> arcs) {
-    if (arcs.empty()) return "it has no place";
     if (net.bound > 0) {
         for (const PetriNet::Arc& arc : arcs) addCounts(net, automata, arc);
         return {};
@@ -72,10 +74,10 @@ std::string addMoves(const PetriNet& net, NetAutomata& automata,
         for (; i < arcs.size() && net.places[arcs[i].place].unit == unit; ++i) {
             const uint location = automata.locationOf[arcs[i].place];
             if (arcs[i].takes > 0 && std::exchange(move.source, location) != nowhere) {
-                twice = "it takes from two places of unit ";
+                twice = "takes from two places of unit ";
             }
             if (arcs[i].puts > 0 && std::exchange(move.target, location) != nowhere) {
-                twice = "it puts on two places of unit ";
+                twice = "puts on two places of unit ";
             }
         }
         if (twice != nullptr) {
@@ -104,8 +106,9 @@ NetAutomata automataOf(const PetriNet& net) {
     for (uint t = 0; t < net.transitions.size(); ++t) {
         const auto last = std::find_if(
             first, arcs.cend(), [t](const PetriNet::Arc& arc) { return arc.transition != t; });
-        std::string reason = addMoves(net, automata, {first, last});
-        if (!reason.empty()) automata.leftOut.push_back({t, std::move(reason)});
+        const bool always = first == last;
+        std::string reason = always ? "has no place" : addMoves(net, automata, {first, last});
+        if (!reason.empty()) automata.apart.push_back({t, always, std::move(reason)});
         first = last;
     }
     std::stable_sort(automata.moves.begin(), automata.moves.end(),
@@ -149,6 +152,8 @@ public:
             }
             writer.endAutomaton();
         }
+        if (!automata.apart.empty()) writeApart();
+        writeIds();
         writer.end();
     }
 
@@ -170,6 +175,19 @@ private:
         named[move.action] = true;
         writer.transition(move.source, move.target, move.action, repeats ? "" : name);
     }
+    void writeApart() {
+        writer.automaton("always or never");
+        writer.location(0, "always");
+        if (!std::ranges::all_of(automata.apart, &NetAutomata::Apart::always)) {
+            writer.location(1, "never");
+        }
+        for (const auto& [transition, always, reason] : automata.apart) {
+            const uint location = always ? 0 : 1;
+            writer.transition(location, location, transition, net.transitions[transition].name);
+        }
+        writer.valuation();
+        writer.endAutomaton();
+    }
     void writeProps(std::span<const uint> own) {
         for (const uint p : own) {
             writer.value(automata.locationOf[p], net.places[p].prop, net.places[p].name);
@@ -181,8 +199,28 @@ private:
         for (uint n = 1; n <= net.bound; ++n) {
             const uint l = swapped(place, n);
             writer.value(l, place.prop, n == 1 ? place.name : "");
-            props.push_back(firstCount + p * net.bound + n - 1);
+            props.push_back(countOf(p) + n - 1);
             writer.value(l, props, place.name + ">=" + std::to_string(n));
+        }
+    }
+    /// The number of the proposition ">=1" of a place of a bounded net.
+    [[nodiscard]] uint countOf(uint p) const { return firstCount + p * net.bound; }
+    void writeIds() {
+        std::map<std::string_view, uint> places;
+        for (const PetriNet::Place& place : net.places) ++places[place.name];
+        for (uint p = 0; p < net.places.size(); ++p) {
+            const auto& [id, name, unit, tokens, prop] = net.places[p];
+            if (places[name] == 1 && tellsId(name, id)) continue;
+            const uint first = net.bound == 0 ? prop : countOf(p);
+            writer.comment(placeId(id, first, first + std::max(net.bound, 1U) - 1));
+        }
+        std::map<std::string_view, uint> transitions;
+        for (const PetriNet::Transition& t : net.transitions) ++transitions[t.name];
+        for (uint t = 0; t < net.transitions.size(); ++t) {
+            const auto& [id, name, line] = net.transitions[t];
+            if (transitions[name] > 1 || !tellsId(name, id)) {
+                writer.comment(transitionId(id, t));
+            }
         }
     }
 

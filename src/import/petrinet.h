@@ -18,12 +18,18 @@
 // So a transition that would put a second token into a unit is not possible. The proposition of a
 // place is carried by its location.
 //
+// An automaton more, after the units, has the actions that no unit can have, if there are any. At
+// its location 0 a transition without a place is possible, always. Its location 1, which nothing
+// leads to, has those that never are: they take from two places of a unit, or put on two.
+//
 // In a net of bound N a place has up to N tokens, and each place is a unit of its own. It becomes
 // an automaton with a location for each number of tokens. Location n is that of n tokens, but for
 // the initial number, which changes places with 0. A transition that takes w and puts v is a move
 // from n to n - w + v for each n for which both are in 0 to N, so one that would put more is not
 // possible. Locations of a token and more carry the place's proposition, and those of j tokens and
 // more "PLACE>=j", for j from 1 to N. These are numbered after all places, place by place.
+//
+// Where the name that a node has in the network does not tell its id, a comment does (netids.h).
 
 #pragma once
 
@@ -37,12 +43,14 @@ namespace tervoxal {
 
 struct PetriNet {
     struct Place {
+        std::string id;
         std::string name;
         uint unit;
         uint tokens; // initially; without a bound 1 at most, and in one place of a unit at most
         uint prop;   // no two places have the same; with those of its bound at most 2147483647
     };
     struct Transition {
+        std::string id;
         std::string name;
         unsigned long line; // of the file
     };
@@ -56,7 +64,8 @@ struct PetriNet {
     };
 
     std::string name;
-    uint bound; // 0: none
+    uint bound;        // 0: none
+    bool safe = false; // its file says so
     std::vector<Place> places;
     std::vector<Transition> transitions;
     std::vector<Arc> arcs; // ascending by transition, then by place; no two of the same pair
@@ -72,21 +81,20 @@ struct NetAutomata {
         uint target;
         uint action;
     };
-    /// A transition that the network lacks, and the reason in words.
-    struct LeftOut {
+    /// A transition that no unit has: it is possible always or never, and the reason in words.
+    struct Apart {
         uint transition;
+        bool always;
         std::string reason;
     };
 
     std::vector<uint> locationOf; // of a marked place, without a bound
     std::vector<uint> noneOf;     // of a unit without a marked place, without a bound
     std::vector<Move> moves;      // ascending by unit, then by action
-    std::vector<LeftOut> leftOut; // ascending
+    std::vector<Apart> apart;     // ascending
 };
 
-/// Lays out the automata. Leaves out a transition that has no place, and one that can never fire
-/// since no two places of a unit are marked together: it takes from two of them, or puts on two.
-/// There are at most as many moves as arcs, times the bound.
+/// Lays out the automata. There are at most as many moves as arcs, times the bound.
 [[nodiscard]] NetAutomata automataOf(const PetriNet& net);
 
 /// Writes the network; the automata are those of the net. A name of an action that is longer than

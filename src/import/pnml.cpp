@@ -255,12 +255,12 @@ void Reader::begin(const char* name, const char** attributes) {
     case Element::net: beginNet(attributes); break;
     case Element::place:
         declare(NetNodeKind::place, net->places.size(), attributes);
-        net->places.push_back({"", 0, 0, 0});
+        net->places.push_back({id, "", 0, 0, 0});
         marked = false;
         break;
     case Element::transition:
         declare(NetNodeKind::transition, net->transitions.size(), attributes);
-        net->transitions.push_back({"", line()});
+        net->transitions.push_back({id, "", line()});
         break;
     case Element::placeReference:
     case Element::transitionReference:

@@ -74,6 +74,8 @@ void NetworkWriter::value(uint l, uint prop, std::string_view name) {
 
 void NetworkWriter::endAutomaton() { *out << "end\nend\n"; }
 
+void NetworkWriter::comment(std::string_view text) { *out << '#' << oneLine(text) << '\n'; }
+
 void NetworkWriter::end() { *out << "end\n"; }
 
 } // namespace tervoxal

@@ -33,6 +33,8 @@ public:
     void value(uint l, uint prop, std::string_view name = {});
     /// Ends the valuation and the automaton.
     void endAutomaton();
+    /// A line that no reader of networks looks at.
+    void comment(std::string_view text);
     /// Ends the network.
     void end();
 

@@ -1,5 +1,5 @@
 // Texts in double quotes: \" and \\ stand for " and \, and a backslash before anything else
-// stands for itself.
+// stands for itself. Words of a shell.
 
 #pragma once
 
@@ -15,5 +15,8 @@ namespace tervoxal {
 [[nodiscard]] std::string unescaped(std::string_view text);
 /// The text between two quotes, as unescaped takes it.
 [[nodiscard]] std::string quoted(std::string_view text);
+
+/// The text as one word of a shell, in single quotes where it needs them.
+[[nodiscard]] std::string shellWord(std::string_view text);
 
 } // namespace tervoxal

@@ -1,6 +1,10 @@
 #include "import/petrinet.h"
 #include "import/pnml.h"
+#include "import/safety.h"
 #include "model/names.h"
+#include "model/netids.h"
+#include "plain.h"
+#include "query/vocabulary.h"
 #include "support.h"
 
 #include <algorithm>
@@ -17,7 +21,6 @@ namespace tervoxal {
 namespace {
 
 using Marking = std::vector<uint>; // the tokens of each place
-using State = std::vector<uint>;   // the location of each automaton, from index 1
 
 /// A net, and the token game on it.
 struct Net {
@@ -41,21 +44,20 @@ struct Net {
         }
     }
 
-    /// The marking that the transition leads to; none where it is not possible.
+    /// The marking that the transition leads to; none where it lacks a token.
     [[nodiscard]] std::optional<Marking> fired(Marking marking, std::size_t t) const {
         const auto& [takes, puts] = transitions[t];
-        if (takes == Marking(unit.size()) && puts == takes) return std::nullopt;
         for (uint p = 0; p < unit.size(); ++p) {
             if (marking[p] < takes[p]) return std::nullopt;
             marking[p] += puts[p] - takes[p];
         }
-        Marking tokens(unit.size()); // of units; with a bound they do not count
-        for (uint p = 0; p < unit.size(); ++p) {
-            uint& number = tokens[bound > 0 ? p : unit[p]];
-            number += marking[p];
-            if (number > std::max(bound, 1U)) return std::nullopt;
-        }
         return marking;
+    }
+    /// Whether the tokens of a place, or of a unit where there is no bound, are too many.
+    [[nodiscard]] bool exceeds(const Marking& marking) const {
+        Marking tokens(unit.size());
+        for (uint p = 0; p < unit.size(); ++p) tokens[bound > 0 ? p : unit[p]] += marking[p];
+        return std::ranges::any_of(tokens, [&](uint n) { return n > std::max(bound, 1U); });
     }
     [[nodiscard]] std::string nameOf(uint p) const {
         return (firstName < 0 ? "x" : "p") +
@@ -165,21 +167,47 @@ std::set<std::string> propsOf(const NetTimedModel& model, const Names& names, co
     return props;
 }
 
+/// The tokens of each place and the transitions that there are, by their ids.
+Marking tokensById(const NetTimedModel& model, const NetIds& ids, const State& state,
+                   std::size_t places) {
+    std::set<uint> props;
+    for (const auto& [location, prop] : model.valuation) {
+        if (state[location.first] == location.second) props.insert(prop);
+    }
+    Marking marking;
+    for (std::size_t p = 0; p < places; ++p) {
+        const auto [first, last] = ids.places.at("p" + std::to_string(p));
+        marking.push_back(
+            static_cast<uint>(std::distance(props.lower_bound(first), props.upper_bound(last))));
+    }
+    return marking;
+}
+
 TEST(PetriNet, takesTheStepsOfTheTokenGame) {
     std::mt19937 random(1);
     std::size_t states = 0;
+    std::size_t unsafe = 0;
     for (int i = 0; i < 500; ++i) {
         const Net net(random);
         const Scratch dir;
         dir.write("net.pnml", net.pnml(random));
         SCOPED_TRACE(dir.read("net.pnml"));
         const PetriNet read = readPnml(dir.path / "net.pnml", net.bound);
+        const NetAutomata automata = automataOf(read);
         std::ostringstream text;
-        writeNetwork(read, automataOf(read), text);
+        writeNetwork(read, automata, text);
         dir.write("net.in", text.str());
         NetTimedModel model;
         Names names;
         readNamedNetwork(model, names, dir.path / "net");
+        const NetIds ids = readNetIds(model, names, dir.path / "net");
+        for (uint t = 0; t < net.transitions.size(); ++t)
+            ASSERT_EQ(ids.transitions.at("t" + std::to_string(t)), t);
+        const Condition second = net.bound > 0 ? Condition{{{Condition::Term::falsity}}}
+                                               : expressionOf(secondTokenExpression(read, automata),
+                                                              vocabularyOf(model, names))
+                                                     .condition;
+        std::map<State, std::vector<uint>> ways; // the actions to each state
 
         const State initial(static_cast<std::size_t>(model.nrOfAutomata) + 1);
         ASSERT_EQ(propsOf(model, names, initial), net.propsOf(net.initial));
@@ -187,19 +215,37 @@ TEST(PetriNet, takesTheStepsOfTheTokenGame) {
         for (std::vector<State> open{initial}; !open.empty();) {
             const State state = open.back();
             open.pop_back();
+            ASSERT_EQ(tokensById(model, ids, state, net.unit.size()), seen[state]);
+            bool isSecond = false;
             for (uint t = 0; t < net.transitions.size(); ++t) {
                 const auto next = fired(model, state, t);
-                const auto expected = net.fired(seen[state], t);
+                auto expected = net.fired(seen[state], t);
+                if (expected && net.exceeds(*expected)) {
+                    isSecond = true;
+                    expected.reset();
+                }
                 ASSERT_EQ(next.has_value(), expected.has_value()) << t;
                 if (!next) continue;
+                if (!seen.contains(*next)) {
+                    ways[*next] = ways[state];
+                    ways[*next].push_back(t);
+                }
                 ASSERT_EQ(propsOf(model, names, *next), net.propsOf(*expected)) << t;
                 if (seen.emplace(*next, *expected).second) open.push_back(*next);
                 ASSERT_EQ(seen[*next], *expected) << t;
             }
+            if (net.bound > 0) continue;
+            ASSERT_EQ(holds(model, second, state), isSecond);
+            if (!isSecond) continue;
+            ++unsafe;
+            const std::string path = toSecondToken(read, ways[state]);
+            ASSERT_EQ(std::ranges::count(path, '\n'), std::ssize(ways[state]));
+            ASSERT_NE(path.find(" a second token "), std::string::npos);
         }
         states += seen.size();
     }
     EXPECT_GT(states, 2000);
+    EXPECT_GT(unsafe, 500);
 }
 
 } // namespace
