@@ -1,7 +1,7 @@
 // The command tervoxal-import: Petri nets and labelled transition systems as networks.
 
 #include "import/aut.h"
-#include "import/message.h"
+#include "text/message.h"
 #include "import/petrinet.h"
 #include "import/pnml.h"
 #include "import/safety.h"

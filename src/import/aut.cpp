@@ -1,6 +1,6 @@
 #include "import/aut.h"
 
-#include "import/message.h"
+#include "text/message.h"
 #include "model/networkwriter.h"
 #include "text/escapes.h"
 #include "text/fatal.h"

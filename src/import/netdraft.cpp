@@ -1,6 +1,6 @@
 #include "import/netdraft.h"
 
-#include "import/message.h"
+#include "text/message.h"
 #include "text/fatal.h"
 #include "text/scanner.h"
 

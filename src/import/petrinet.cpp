@@ -1,6 +1,6 @@
 #include "import/petrinet.h"
 
-#include "import/message.h"
+#include "text/message.h"
 #include "model/netids.h"
 #include "model/networkwriter.h"
 

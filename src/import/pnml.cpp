@@ -1,37 +1,23 @@
 #include "import/pnml.h"
 
-#include "import/message.h"
 #include "import/netdraft.h"
-#include "text/fatal.h"
-#include "text/lines.h"
+#include "text/message.h"
 #include "text/scanner.h"
+#include "xml/xmlfile.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstddef>
-#include <expat.h>
 #include <filesystem>
-#include <fstream>
 #include <initializer_list>
-#include <memory>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace tervoxal {
 
 namespace {
-
-// The place in the document. Later versions of expat deprecate counts of unknown width.
-#ifdef EXPAT_COUNTS_IN_64_BITS
-unsigned long lineOf(XML_Parser parser) { return XML_GetCurrentLineNumber64(parser); }
-unsigned long columnOf(XML_Parser parser) { return XML_GetCurrentColumnNumber64(parser); }
-#else
-unsigned long lineOf(XML_Parser parser) { return XML_GetCurrentLineNumber(parser); }
-unsigned long columnOf(XML_Parser parser) { return XML_GetCurrentColumnNumber(parser); }
-#endif
 
 /// What an open element is to the reader.
 enum class Element : unsigned char {
@@ -110,21 +96,9 @@ Element elementOf(Element parent, std::string_view name) {
     return rule == rules.end() ? Element::skipped : rule->element;
 }
 
-std::string_view localName(std::string_view name) {
-    return name.substr(name.rfind(':') + 1); // after npos comes 0
-}
-
 std::string lower(std::string text) {
     for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return text;
-}
-
-/// The value of an attribute, null where it is missing.
-const char* attribute(const char** attributes, std::string_view name) {
-    for (; *attributes != nullptr; attributes += 2) {
-        if (localName(attributes[0]) == name) return attributes[1];
-    }
-    return nullptr;
 }
 
 /// Whether the text is there and, in lower case, one of the words.
@@ -144,24 +118,18 @@ bool isPlaceTransition(const std::string& type) {
     return last.starts_with("ptnet") || lower(type) == "p/t net";
 }
 
-constexpr std::size_t deepest = 1000;
-
 /// Follows the file element by element.
 class Reader {
 public:
     Reader(const std::string& file, NetDraft& draft)
-        : file(&file), draft(&draft), net(&draft.net) {}
+        : draft(&draft), net(&draft.net),
+          xml(file, {[this](const char* name, const char** a) { begin(name, a); },
+                     [this] { end(); }, [this](std::string_view more) { characters(more); }}) {}
 
     /// Ends the process where the file cannot be read or is refused.
     void read();
 
 private:
-    struct Free {
-        void operator()(XML_Parser p) const { XML_ParserFree(p); }
-    };
-    static Reader& of(void* data) { return *static_cast<Reader*>(data); }
-    void listen();
-
     void begin(const char* name, const char** attributes);
     void end();
     void characters(std::string_view more);
@@ -178,14 +146,12 @@ private:
     const char* needed(const char** attributes, const std::string& name, const std::string& owner);
 
     /// Ends the reading. The first fault is the one that is told.
-    void refuse(const std::string& what);
-    [[nodiscard]] unsigned long line() const { return lineOf(parser.get()); }
+    void refuse(const std::string& what) { xml.refuse(what); }
+    [[nodiscard]] unsigned long line() const { return xml.line(); }
 
-    const std::string* file;
     NetDraft* draft;
     PetriNet* net;
-    std::unique_ptr<std::remove_pointer_t<XML_Parser>, Free> parser{XML_ParserCreate(nullptr)};
-    std::string fault;
+    XmlFile xml;
 
     std::vector<Element> open{Element::document};
     std::string text; // of the innermost element, if it keeps its text
@@ -196,56 +162,13 @@ private:
     bool valued = false; // the latest marking or weight had its text
 };
 
-void Reader::listen() {
-    XML_Parser p = parser.get();
-    XML_SetUserData(p, this);
-    XML_SetElementHandler(
-        p, [](void* data, const char* name, const char** a) { of(data).begin(name, a); },
-        [](void* data, const char*) { of(data).end(); });
-    XML_SetCharacterDataHandler(p, [](void* data, const char* more, int size) {
-        of(data).characters({more, static_cast<std::size_t>(size)});
-    });
-    XML_SetStartDoctypeDeclHandler(
-        p, [](void* data, const char*, const char*, const char*, int declares) {
-            if (declares != 0) of(data).refuse("a document type with declarations is not read");
-        });
-    XML_SetSkippedEntityHandler(p, [](void* data, const char* name, int) {
-        of(data).refuse("entity " + shown(name) + " is not known");
-    });
-}
-
 void Reader::read() {
-    constexpr int pieceSize = 1 << 16;
-    std::ifstream in = openInput(*file);
-    listen();
-    for (bool last = false; !last && fault.empty();) {
-        void* const piece = XML_GetBuffer(parser.get(), pieceSize);
-        if (piece == nullptr) error(*file + ": " + XML_ErrorString(XML_ERROR_NO_MEMORY));
-        in.read(static_cast<char*>(piece), pieceSize);
-        last = in.eof();
-        refuseUnread(in, *file);
-        const auto got = static_cast<int>(in.gcount());
-        if (XML_ParseBuffer(parser.get(), got, last) != XML_STATUS_OK) {
-            const auto column = columnOf(parser.get()) + 1;
-            refuse("column " + std::to_string(column) + ": " +
-                   XML_ErrorString(XML_GetErrorCode(parser.get())));
-        }
-    }
-    if (fault.empty() && !netSeen) refuse("there is no net");
-    if (!fault.empty()) error(fault);
-}
-
-void Reader::refuse(const std::string& what) {
-    if (!fault.empty()) return;
-    fault = message(*file, line(), what);
-    XML_StopParser(parser.get(), XML_FALSE);
+    xml.read();
+    if (!netSeen) refuse("there is no net");
+    xml.endIfRefused();
 }
 
 void Reader::begin(const char* name, const char** attributes) {
-    if (!fault.empty()) return;
-    if (open.size() > deepest) {
-        return refuse("elements are nested deeper than " + std::to_string(deepest));
-    }
     const std::string_view local = localName(name);
     Element element = elementOf(open.back(), local);
     if (open.size() == 1 && element != Element::pnml) {
@@ -305,7 +228,6 @@ void Reader::begin(const char* name, const char** attributes) {
 }
 
 void Reader::end() {
-    if (!fault.empty()) return;
     const Element element = open.back();
     switch (element) {
     case Element::net:

@@ -1,6 +1,6 @@
 #include "import/safety.h"
 
-#include "import/message.h"
+#include "text/message.h"
 #include "text/fatal.h"
 
 #include <algorithm>

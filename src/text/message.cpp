@@ -1,4 +1,4 @@
-#include "import/message.h"
+#include "text/message.h"
 
 #include "text/readable.h"
 #include "text/scanner.h"
