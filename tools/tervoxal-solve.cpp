@@ -1,6 +1,9 @@
 // The command tervoxal-solve: the shortest path of a network that shows what is asked for.
 
 #include "certificate/certificate.h"
+#ifdef TERVOXAL_HAS_EXPAT
+#include "contest/propertyfile.h"
+#endif
 #include "fixpoint/statebystate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
@@ -58,8 +61,9 @@ const Command command{
     {{"ask", "EXPRESSION", "a question with names; as often as there are questions"},
      {"deadlock", "", "the same as --ask=deadlock"},
      {"questions", "FILE",
-      "many at once, NAME: EXPRESSION in each line; - is standard input; prints a\ntable, as for "
-      "several --ask"},
+      "many at once, NAME: EXPRESSION in each line, or properties of a net (.xml);\n- is "
+      "standard input; prints a table, as for several --ask"},
+     {"contest", "", "with a table, print each verdict as the Model Checking Contest has it"},
      {"actions", "", "whether each action is ever possible; prints a table"},
      {"paths", "DIRECTORY", "write the paths of a table there"},
      {"any", "", "stop at the first path, which need not be the shortest"},
@@ -132,13 +136,26 @@ Call::Call(const CommandLine& line) {
     }
     asked.network = inputName(line.operands[0]);
     asked.all = line.has("all");
+    asked.contest = line.has("contest");
+    if (asked.contest && (!many || format.name == "json" || line.has("least"))) {
+        line.misused("--contest needs several questions, and their table without --least");
+    }
+    if (asked.contest) follow = asked.lengths.any = true;
 }
 
 std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& model,
                                   const Names& names) {
     if (line.has("deadlock")) return {expressionQuestion(model, names, "deadlock")};
     if (line.has("actions")) return actionQuestions(model, names);
-    if (line.has("questions")) return readQuestions(model, names, line.value("questions", ""));
+    if (line.has("questions")) {
+        const std::string file = line.value("questions", "");
+        if (!file.ends_with(".xml")) return readQuestions(model, names, file);
+#ifdef TERVOXAL_HAS_EXPAT
+        return readProperties(model, names, inputName(line.operands[0]), file);
+#else
+        error(file + ": this " + command.name + " was built without expat, which reads XML");
+#endif
+    }
     if (line.has("ask")) return expressionQuestions(model, names, line.all("ask"));
     return {askedQuestion(model, names, line)};
 }
@@ -270,8 +287,9 @@ int main(int argc, char* argv[]) {
     std::vector<Condition> conditions;
     std::vector<std::size_t> asked; // the questions that the conditions ask
     for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
-        if (call.asked.questions[q].temporal) continue;
-        conditions.push_back(call.asked.questions[q].condition);
+        const Question& question = call.asked.questions[q];
+        if (question.temporal || !question.unasked.empty()) continue;
+        conditions.push_back(question.condition);
         asked.push_back(q);
     }
 

@@ -19,6 +19,8 @@ struct Question {
     Condition condition;                       // what is asked of a state; false if it is temporal
     std::optional<TemporalFormula> temporal{}; // what is asked otherwise
     Fairness fairness{};                       // of the paths that a temporal one speaks of
+    bool claim = false;    // the condition is what a claim about all reachable states excludes
+    std::string unasked{}; // why it cannot be asked, and the condition is false
 };
 
 /// The question that an expression asks; the expression is its name. What can hardly be meant is

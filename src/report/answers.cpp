@@ -55,14 +55,26 @@ void showJsonVerdict(std::ostream& out, const Outcome& outcome) {
 } // namespace
 
 Answers::Answers(const NetTimedModel& model, const Asked& asked, const Names& names)
-    : asked(asked), names(names), transitions(model), all(asked.questions.size()) {}
+    : asked(asked), names(names), transitions(model), all(asked.questions.size()) {
+    for (std::size_t q = 0; q < all.size(); ++q) {
+        all[q].claim = asked.questions[q].claim;
+        all[q].open = asked.questions[q].unasked;
+    }
+}
 
 Outcome Answers::outcome(std::size_t question) const {
     return outcomeOf(all[question], asked.lengths);
 }
 
 std::string Answers::line(std::size_t question) const {
-    return asked.questions[question].name + ": " + outcome(question).brief();
+    const Question& its = asked.questions[question];
+    const Outcome outcome = this->outcome(question);
+    if (!asked.contest) return its.name + ": " + outcome.brief();
+    const std::string line = "FORMULA " + its.name;
+    const bool path = outcome.kind == Outcome::Kind::path;
+    if (!path && outcome.kind != Outcome::Kind::never) return line + " CANNOT_COMPUTE";
+    return line + (path != outcome.claim ? " TRUE" : " FALSE") + " TECHNIQUES EXPLICIT" +
+           (its.temporal ? "" : " SAT_SMT TOPOLOGICAL");
 }
 
 int Answers::status() const {

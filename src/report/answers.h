@@ -24,13 +24,14 @@ public:
         std::vector<Question> questions;
         Lengths lengths;
         std::string network;
-        bool all = false; // pictures show all automata
+        bool all = false;     // pictures show all automata
+        bool contest = false; // lines are those of the Model Checking Contest
     };
 
     /// All have to outlive the answers. Nothing is known yet.
     Answers(const NetTimedModel& model, const Asked& asked, const Names& names);
 
-    /// "NAME: path of 4 steps".
+    /// "NAME: path of 4 steps"; in the contest "FORMULA NAME TRUE TECHNIQUES ...".
     [[nodiscard]] std::string line(std::size_t question) const;
     [[nodiscard]] Outcome outcome(std::size_t question) const;
     /// What is known by now of a question, for who finds it out.
