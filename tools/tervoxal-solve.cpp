@@ -163,7 +163,8 @@ std::vector<Question> questionsOf(const CommandLine& line, const NetTimedModel& 
 /// Shows the one answer, with what is to say of it on standard error.
 void show(const Call& call, const Answers& answers) {
     const Outcome outcome = answers.outcome(0);
-    if (outcome.kind != Outcome::Kind::path || outcome.claim || !answers.settled(0)) {
+    const bool asAsked = call.asked.lengths.any || answers.known(0).least();
+    if (outcome.kind != Outcome::Kind::path || outcome.claim || !asAsked) {
         std::cerr << outcome.full() << '\n';
     }
     if (call.format.name == "json") {

@@ -49,7 +49,7 @@ Outcome outcomeOfPaths(const Known& known, const Lengths& lengths) {
     using Kind = Outcome::Kind;
     if (known.unreachable) return {Kind::never, ": proved and checked"};
     if (known.path && known.path->k <= lengths.to) {
-        const bool told = lengths.any || known.refuted + 1 >= known.path->k;
+        const bool told = lengths.any || known.least();
         return {Kind::path,
                 " of " + steps(known.path->k) + (told ? "" : ", not known to be the shortest")};
     }

@@ -21,6 +21,9 @@ struct Known {
     bool settled = false; // nothing is left to find out that was asked for
     bool claim = false;   // that holds unless a path is found that shows the contrary
     std::string open{};   // why nothing is known, if there is more to say than the time
+
+    /// Whether there is a path, and no shorter one.
+    [[nodiscard]] bool least() const { return path && refuted + 1 >= path->k; }
 };
 
 /// What was asked of each question: paths of 0 to `to` steps.

@@ -30,7 +30,7 @@ public:
         std::int64_t alone = 500000;
         /// What is spent on shorter paths once there is one, about 4 s; then the question is
         /// closed.
-        std::int64_t shortening = 3000000;
+        std::int64_t shortening = 10000000;
     };
 
     /// All engines for the board, which must outlive it.
