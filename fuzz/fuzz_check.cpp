@@ -47,8 +47,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         model.readNetwork(input.name);
     });
     Diagnostics inFormula;
-    checkFormula(input.file, network.taken ? &network.props : nullptr,
-                 TemporalOperators::falsify, inFormula);
+    checkFormula(input.file, network.taken ? &network.props : nullptr, TemporalOperators::falsify,
+                 inFormula);
     compare(inFormula, [&] {
         NetTimedModel model;
         model.readFormula(input.name);

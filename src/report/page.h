@@ -14,9 +14,11 @@
 //     shown               the automata that are shown at first
 //     holds               the positions where the condition holds
 //     steps               [[action, ...], automaton, source, target, automaton, ...] for each step
+//     loop                of a path that shows a formula about paths: the position that the last one
+//                         goes on as, or null
+//     ends                likewise, whether nothing is possible after the last one
 //
-// Numbers are those of the network. The page takes two more members: `loop`, the position that the
-// last one goes on as, and `ends`, true where nothing is possible after the last one.
+// Numbers are those of the network.
 
 #pragma once
 

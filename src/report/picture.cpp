@@ -21,6 +21,7 @@ struct Steps {
     static constexpr std::size_t most = 8;
 
     void add(int step) {
+        latest = step;
         if (!numbers.empty() && numbers.back() == step) return;
         if (numbers.size() <= most) numbers.push_back(step);
     }
@@ -33,16 +34,22 @@ struct Steps {
     }
 
     std::vector<int> numbers; // ascending, one more than shown if there are more
+    int latest = 0;           // of all
 };
 
 /// What a path leaves on the picture.
 struct Trace {
     std::set<NetTimedModel::Location> visited;
     std::map<std::pair<uint, NetTimedModel::Move>, Steps> taken; // by automaton
+    int loop = -1; // the position to which the path goes back, if it does
+
+    /// Whether one of the steps is in the loop.
+    [[nodiscard]] bool recurs(const Steps& steps) const { return loop >= 0 && steps.latest > loop; }
 };
 
 Trace traceOf(Walk walk) {
     Trace trace;
+    trace.loop = walk.whole().loop.value_or(-1);
     const NetTimedModel& model = walk.model();
     for (uint a = 1; a < walk.state().size(); ++a) trace.visited.emplace(a, walk.state()[a]);
     std::map<uint, Steps> steps; // of each action
@@ -67,7 +74,9 @@ Trace traceOf(Walk walk) {
     for (const auto& [action, numbers] : steps) {
         for (const uint a : model.actionAutomata.at(action)) {
             if (model.nrOfBits[a] != 0) continue;
-            std::vector<int>& all = trace.taken[{a, {0, 0}}].numbers;
+            Steps& taken = trace.taken[{a, {0, 0}}];
+            taken.latest = std::max(taken.latest, numbers.latest);
+            std::vector<int>& all = taken.numbers;
             all.insert(all.end(), numbers.numbers.begin(), numbers.numbers.end());
             std::sort(all.begin(), all.end());
             all.resize(std::min(all.size(), Steps::most + 1));
@@ -157,12 +166,17 @@ private:
     }
     void showArrow(uint a, const NetTimedModel::Move& move, std::vector<std::string>& lines) {
         const auto taken = trace.taken.find({a, move});
-        if (taken != trace.taken.end()) lines.push_back(taken->second.text());
+        const bool recurs = taken != trace.taken.end() && trace.recurs(taken->second);
+        if (taken != trace.taken.end()) {
+            lines.push_back(taken->second.text() + (recurs ? ", again and again" : ""));
+        }
         for (std::string& line : lines) line.insert(0, 1, ' ').append(1, ' '); // off the arrow
         if (move.first == move.second) lines.emplace_back(" ");                // above the loop
         out << "    a" << a << '_' << move.first << " -> a" << a << '_' << move.second
             << " [label=" << label(lines);
-        if (taken != trace.taken.end()) out << R"(, style=bold, color="#1f5fa8")";
+        if (taken != trace.taken.end()) {
+            out << ", style=bold, color=" << (recurs ? R"("#b3541e")" : R"("#1f5fa8")");
+        }
         out << "];\n";
     }
 

@@ -4,7 +4,8 @@
 //
 // With a path on it, the locations that it comes to are filled, and the transitions that it takes
 // are bold and tell the numbers of their steps. Where several actions lead to a state, the least
-// one counts. That picture is a report, showDot, and may leave automata out.
+// one counts. The transitions of a loop, to which the path goes back, have another colour and say
+// so. That picture is a report, showDot, and may leave automata out.
 //
 // Labels are valid UTF-8, whatever bytes the names have.
 
