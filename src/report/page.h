@@ -14,7 +14,8 @@
 //     shown               the automata that are shown at first
 //     holds               the positions where the condition holds
 //     steps               [[action, ...], automaton, source, target, automaton, ...] for each step
-//     loop                of a path that shows a formula about paths: the position that the last one
+//     loop                of a path that shows a formula about paths: the position that the last
+//     one
 //                         goes on as, or null
 //     ends                likewise, whether nothing is possible after the last one
 //

@@ -10,8 +10,8 @@
 // A path that none blocks is of least length.
 //
 // On the 13 unreachable questions about the contest's afcs_24_a it made no difference whether the
-// first, the last or each of the blocking automata is added: four are proved by one or two automata,
-// in 15 ms with the reading of the network, and the others by none of these ways.
+// first, the last or each of the blocking automata is added: four are proved by one or two
+// automata, in 15 ms with the reading of the network, and the others by none of these ways.
 //
 // Beside that, all automata are explored for all questions: 30 unreachable ones about the 2482
 // states of IBM319 take 40 ms together.
