@@ -1,7 +1,6 @@
 // The command tervoxal-import: Petri nets and labelled transition systems as networks.
 
 #include "import/aut.h"
-#include "text/message.h"
 #include "import/petrinet.h"
 #include "import/pnml.h"
 #include "import/safety.h"
@@ -11,6 +10,7 @@
 #include "system/filetext.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
+#include "text/message.h"
 #include "text/scanner.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "import/aut.h"
 
-#include "text/message.h"
 #include "model/networkwriter.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
 #include "text/lines.h"
+#include "text/message.h"
 #include "text/scanner.h"
 
 #include <cstddef>

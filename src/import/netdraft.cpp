@@ -1,7 +1,7 @@
 #include "import/netdraft.h"
 
-#include "text/message.h"
 #include "text/fatal.h"
+#include "text/message.h"
 #include "text/scanner.h"
 
 #include <algorithm>

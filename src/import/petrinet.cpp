@@ -1,8 +1,8 @@
 #include "import/petrinet.h"
 
-#include "text/message.h"
 #include "model/netids.h"
 #include "model/networkwriter.h"
+#include "text/message.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 #include "import/safety.h"
 
-#include "text/message.h"
 #include "text/fatal.h"
+#include "text/message.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -15,8 +15,7 @@
 //     holds               the positions where the condition holds
 //     steps               [[action, ...], automaton, source, target, automaton, ...] for each step
 //     loop                of a path that shows a formula about paths: the position that the last
-//     one
-//                         goes on as, or null
+//                         one goes on as, or null
 //     ends                likewise, whether nothing is possible after the last one
 //
 // Numbers are those of the network.
