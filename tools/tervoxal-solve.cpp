@@ -7,6 +7,7 @@
 #include "fixpoint/statebystate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
+#include "query/expressiontext.h"
 #include "query/grammar.h"
 #include "query/question.h"
 #include "report/answers.h"
@@ -203,8 +204,11 @@ void writeCertificate(OutputFile& file, const std::string& name, const Call& cal
     std::ostringstream text;
     const Question& question = call.asked.questions[0];
     const bool claim = question.temporal && isClaim(*question.temporal);
-    text << "# " << readable(call.asked.network + (claim ? ": " : ": never ") + question.text)
-         << '\n';
+    const std::string asked = question.temporal
+                                  ? readable(question.text)
+                                  : ExpressionText(model, names).of(question.condition);
+    text << "# network: " << readable(call.asked.network) << '\n'
+         << (claim ? "# always: " : "# never: ") << asked << '\n';
     showCertificate(text, model, names, certificate);
     file.write(text.view());
     if (!file.close()) error("cannot write " + name);

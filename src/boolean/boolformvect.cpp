@@ -212,3 +212,9 @@ BoolFormVect operator-(const BoolFormVect& x, const BoolFormVect& y) {
     complement.negAll();
     return x + succ(complement);
 }
+
+BoolFormVect con(const BoolForm& a, const BoolFormVect& v) {
+    BoolFormVect r = v;
+    for (BoolForm& bit : r.bits) bit = con(a, bit);
+    return r;
+}

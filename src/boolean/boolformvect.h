@@ -70,6 +70,7 @@ private:
     friend bool operator==(const BoolFormVect& a1, const BoolFormVect& a2);
     friend BoolFormVect operator+(const BoolFormVect& x, const BoolFormVect& y);
     friend BoolFormVect operator-(const BoolFormVect& x, const BoolFormVect& y);
+    friend BoolFormVect con(const BoolForm& a, const BoolFormVect& v);
 };
 
 // Relations of two vectors. Precondition, asserted: equal lengths.
@@ -109,3 +110,6 @@ private:
 [[nodiscard]] BoolFormVect succ(const BoolFormVect& x);
 /// The sum with the two's complement.
 [[nodiscard]] BoolFormVect operator-(const BoolFormVect& x, const BoolFormVect& y);
+
+/// v where a holds, else 0.
+[[nodiscard]] BoolFormVect con(const BoolForm& a, const BoolFormVect& v);

@@ -50,20 +50,6 @@ struct ExpressionText::Operand {
     }
 };
 
-struct ExpressionText::Algebra {
-    static Operand constant(bool value) { return {value ? "true" : "false"}; }
-    [[nodiscard]] Operand atom(const Condition::Token& token) const { return {text.atom(token)}; }
-    static Operand negation(const Operand& a) { return {'!' + a.at(3)}; }
-    static Operand conjunction(const Operand& a, const Operand& b) {
-        return Operand::joined(a, b, true);
-    }
-    static Operand disjunction(const Operand& a, const Operand& b) {
-        return Operand::joined(a, b, false);
-    }
-
-    const ExpressionText& text;
-};
-
 ExpressionText::ExpressionText(const NetTimedModel& model, const Names& names)
     : vocabulary(vocabularyOf(model, names)), names(names) {}
 
@@ -87,8 +73,61 @@ std::string ExpressionText::atom(const Condition::Token& token) const {
     }
 }
 
+/// Writes from left to right: put together from the texts of operands, a long condition would take
+/// time for its length at each operator.
 ExpressionText::Operand ExpressionText::operand(const Condition& condition) const {
-    return valueOf(condition, Algebra{*this});
+    using Term = Condition::Term;
+    const std::vector<Condition::Token>& tokens = condition.tokens;
+    std::vector<std::size_t> begin; // of what ends with each token
+    std::vector<std::size_t> values;
+    for (const Condition::Token& token : tokens) {
+        const bool binary = token.term == Term::conjunction || token.term == Term::disjunction;
+        if (binary) values.pop_back();
+        if (!binary && token.term != Term::negation) values.push_back(begin.size());
+        begin.push_back(values.back());
+    }
+    const auto strength = [&](std::size_t token) {
+        const Term term = tokens[token].term;
+        return term == Term::disjunction ? 1 : term == Term::conjunction ? 2 : 3;
+    };
+    /// What is still to be written: a text, or what ends with a token and binds that strongly.
+    struct Piece {
+        const char* text;
+        std::size_t token = 0;
+        int least = 0;
+    };
+    const std::size_t last = tokens.size() - 1;
+    Operand result{"", strength(last)};
+    std::vector<Piece> pieces = {{nullptr, last}}; // the next one last
+    while (!pieces.empty()) {
+        const auto [text, token, least] = pieces.back();
+        pieces.pop_back();
+        if (text != nullptr) {
+            result.text += text;
+            continue;
+        }
+        const int own = strength(token);
+        if (own < least) {
+            result.text += '(';
+            pieces.push_back({")"});
+        }
+        switch (tokens[token].term) {
+        case Term::falsity: result.text += "false"; break;
+        case Term::truth: result.text += "true"; break;
+        case Term::negation:
+            result.text += '!';
+            pieces.push_back({nullptr, token - 1, 3});
+            break;
+        case Term::conjunction:
+        case Term::disjunction:
+            pieces.push_back({nullptr, token - 1, own + 1});
+            pieces.push_back({own == 2 ? " & " : " | "});
+            pieces.push_back({nullptr, begin[token - 1] - 1, own});
+            break;
+        default: result.text += atom(tokens[token]);
+        }
+    }
+    return result;
 }
 
 std::string ExpressionText::of(const Condition& condition) const { return operand(condition).text; }

@@ -19,11 +19,11 @@ public:
     /// The expression for a node of a formula. Things stand under their names, or under their
     /// numbers where a name is missing or another one's as well.
     [[nodiscard]] std::string of(const TemporalFormula& formula, std::size_t node) const;
+    /// The same of a condition, in time linear in the text.
     [[nodiscard]] std::string of(const Condition& condition) const;
 
 private:
     struct Operand;
-    struct Algebra;
 
     [[nodiscard]] Operand operand(const Condition& condition) const;
     [[nodiscard]] std::string atom(const Condition::Token& token) const;

@@ -1,5 +1,6 @@
 #include "sweep/sweep.h"
 
+#include "programs/solverrun.h"
 #include "system/filenames.h"
 #include "system/filetext.h"
 #include "text/amounts.h"
@@ -32,15 +33,6 @@ constexpr std::array<const char*, 3> working = {progressSuffix, pathSuffix, refu
 bool isThere(const fs::path& file) {
     std::error_code ignored;
     return fs::exists(file, ignored);
-}
-
-/// MiniSat prints no model: it writes one to the file that is its second argument.
-bool isMinisat(const std::string& solver) {
-    std::istringstream words(solver);
-    for (std::string word; words >> word;) {
-        if (fs::path(word).filename().string().starts_with("minisat")) return true;
-    }
-    return false;
 }
 
 /// The run of one length.
@@ -121,19 +113,9 @@ Launch Sweep::launch(const Length& length) const {
                 directory,
                 "/dev/null",
                 file(k, progressSuffix)};
-    case Length::Stage::solver: {
-        // It runs where the user is, so that the command may name files there.
-        Launch solver{
-            {"/bin/sh", "-c", "exec " + task.solver + " \"$@\"", "sh", file(k, clauseSuffix)},
-            "",
-            file(k, answerSuffix),
-            file(k, logSuffix)};
-        if (isMinisat(task.solver)) {
-            solver.words.push_back(solver.out);
-            solver.out = "/dev/null";
-        }
-        return solver;
-    }
+    case Length::Stage::solver:
+        return solverLaunch(task.solver, file(k, clauseSuffix), file(k, answerSuffix),
+                            file(k, logSuffix));
     case Length::Stage::path: break;
     }
     return {{task.tervoxalPath, "--format=" + task.format, "--", task.network, task.formula,

@@ -10,19 +10,32 @@ Evaluation::Evaluation(const NetTimedModel& model, Condition asked)
     : model(model), condition(std::move(asked)) {
     using Term = Condition::Term;
     std::map<uint, uint> props;
+    std::optional<uint> deadlock;
     for (Condition::Token& token : condition.tokens) {
-        assert(token.term != Term::enabled && token.term != Term::deadlock);
-        const auto next = static_cast<uint>(carriers.size());
+        assert(token.term != Term::after && token.term != Term::initial);
+        const auto next = static_cast<uint>(atoms.size());
         if (token.term == Term::prop) {
             const auto [known, first] = props.try_emplace(token.number, next);
-            if (first) carriers.emplace_back();
+            if (first) atoms.push_back({{}});
             token.number = known->second;
         } else if (token.term == Term::at) {
-            carriers.emplace_back(1, NetTimedModel::Location(token.number, token.location));
+            atoms.push_back({{{token.number, token.location}}});
             token.number = next;
+        } else if (token.term == Term::enabled) {
+            token.number = addAction(token.number);
+        } else if (token.term == Term::deadlock) {
+            if (!deadlock) {
+                deadlock = next;
+                atoms.emplace_back();
+            }
+            token.number = *deadlock;
         }
     }
-    std::vector<bool> always(carriers.size());
+    if (deadlock) {
+        for (const auto& [number, automata] : model.actionAutomata) (void)addAction(number);
+    }
+    if (props.empty()) return;
+    std::vector<bool> always(atoms.size());
     for (const auto& [location, number] : model.valuation) {
         const auto named = props.find(number);
         if (named == props.end()) continue;
@@ -30,31 +43,68 @@ Evaluation::Evaluation(const NetTimedModel& model, Condition asked)
         const bool noBits = model.nrOfBits[location.first] == 0;
         if (noBits && always[named->second]) continue;
         if (noBits) always[named->second] = true;
-        carriers[named->second].push_back(location);
+        atoms[named->second].front().push_back(location);
     }
 }
 
-BoolForm Evaluation::value(const SymState& state) {
-    struct Formulas {
-        Evaluation& of;
-        const SymState& state;
+/// The atom of an action; one that the network does not have is never possible.
+uint Evaluation::addAction(uint number) {
+    const auto [known, first] = actions.try_emplace(number, static_cast<uint>(atoms.size()));
+    if (!first) return known->second;
+    Atom& atom = atoms.emplace_back();
+    const auto owners = model.actionAutomata.find(number);
+    if (owners == model.actionAutomata.end()) {
+        atom.emplace_back();
+        return known->second;
+    }
+    for (const uint a : owners->second) {
+        Carriers& sources = atom.emplace_back();
+        for (const auto& [source, target] : model.actionEdges.at({a, number})) {
+            const NetTimedModel::Location location(a, source);
+            if (sources.empty() || sources.back() != location) sources.push_back(location);
+        }
+    }
+    return known->second;
+}
 
-        static BoolForm constant(bool value) { return value; }
-        [[nodiscard]] BoolForm atom(const Condition::Token& token) const {
-            std::optional<BoolForm>& atom = of.built[token.number];
-            if (atom) return *atom;
+struct Evaluation::Formulas {
+    Evaluation& of;
+    const SymState& state;
+
+    static BoolForm constant(bool value) { return value; }
+    [[nodiscard]] BoolForm atom(const Condition::Token& token) const {
+        std::optional<BoolForm>& known = of.built[token.number];
+        if (!known) {
+            known = token.term == Condition::Term::deadlock ? deadlock() : carried(token.number);
+        }
+        return *known;
+    }
+    [[nodiscard]] BoolForm carried(uint atom) const {
+        BoolForm all(true);
+        for (const Carriers& carriers : of.atoms[atom]) {
             BoolForm r(false);
-            for (const auto& [a, l] : of.carriers[token.number]) {
+            for (const auto& [a, l] : carriers) {
                 r = dis(r, of.model.bef(static_cast<int>(a), static_cast<int>(l), state.loc));
             }
-            atom = r;
-            return r;
+            all = con(all, r);
         }
-        static BoolForm negation(const BoolForm& a) { return neg(a); }
-        static BoolForm conjunction(const BoolForm& a, const BoolForm& b) { return con(a, b); }
-        static BoolForm disjunction(const BoolForm& a, const BoolForm& b) { return dis(a, b); }
-    };
-    built.assign(carriers.size(), {});
+        return all;
+    }
+    [[nodiscard]] BoolForm deadlock() const {
+        BoolForm r(true);
+        for (const auto& [number, index] : of.actions) {
+            const BoolForm possible = atom({Condition::Term::enabled, index});
+            r = con(r, neg(possible));
+        }
+        return r;
+    }
+    static BoolForm negation(const BoolForm& a) { return neg(a); }
+    static BoolForm conjunction(const BoolForm& a, const BoolForm& b) { return con(a, b); }
+    static BoolForm disjunction(const BoolForm& a, const BoolForm& b) { return dis(a, b); }
+};
+
+BoolForm Evaluation::value(const SymState& state) {
+    built.assign(atoms.size(), {});
     return valueOf(condition, Formulas{*this, state});
 }
 
