@@ -31,7 +31,7 @@ _tervoxal() {
         before=${word%"${word##*[ !&|()]}"}
         mapfile -t COMPREPLY < <(compgen -P "$before" -W "$names" -- "${word#"$before"}")
         ;;
-    --witness | --walk | --questions | --certificate) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    --witness | --walk | --questions | --certificate | --output) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
     --keep | --paths) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --from | --jobs | --time | --prove-time | --states | --bound) ;;
     *)
@@ -50,12 +50,15 @@ _tervoxal() {
                 compgen -f -X '!*.pnml' -- "$word"
                 compgen -f -X '!*.aut' -- "$word"
                 ;;
-            *) compgen -f -X '!*.in' -- "$word" | sed 's/\.in$//' ;;
+            *)
+                compgen -f -X '!*.in' -- "$word" | sed 's/\.in$//'
+                case $command in *-certify) compgen -f -X '*.@(in|cnf)' -- "$word" ;; esac
+                ;;
             esac
         )
         ;;
     esac
 }
 
-complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-draw tervoxal-formula \
+complete -F _tervoxal tervoxal tervoxal-aiger tervoxal-certify tervoxal-draw tervoxal-formula \
     tervoxal-import tervoxal-info tervoxal-lint tervoxal-path tervoxal-solve tervoxal-sweep

@@ -158,7 +158,8 @@ private:
             const char c = terms[at];
             if (c == '"') at = std::min(closingQuote(terms, at + 1), terms.size() - 1);
             depth += c == '(' ? 1 : c == ')' ? -1 : 0;
-            if (depth == 0 && terms.substr(at).starts_with("+ ") && at > 0 && terms[at - 1] == ' ') {
+            if (depth == 0 && terms.substr(at).starts_with("+ ") && at > 0 &&
+                terms[at - 1] == ' ') {
                 return at;
             }
         }
@@ -168,8 +169,7 @@ private:
     [[nodiscard]] WrittenCertificate::Term term(std::string_view term, std::size_t place) const {
         const std::size_t blank = term.find(' ');
         std::uint64_t factor = 1;
-        if (blank != std::string_view::npos &&
-            term.find_first_not_of("0123456789") == blank) {
+        if (blank != std::string_view::npos && term.find_first_not_of("0123456789") == blank) {
             factor = weight(term.substr(0, blank));
             term = trimmed(term.substr(blank));
         }

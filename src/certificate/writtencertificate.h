@@ -38,7 +38,7 @@ struct WrittenCertificate {
     };
     struct Sum {
         long line = 0;
-        std::vector<Term> terms; // their weights are together at most greatestSum
+        std::vector<Term> terms;     // their weights are together at most greatestSum
         std::uint64_t initially = 0; // at most greatestSum
         std::vector<Set> sets;
     };

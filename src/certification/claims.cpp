@@ -42,8 +42,7 @@ BoolFormVect sumOf(int width, const std::vector<WrittenCertificate::Term>& terms
     if (parts.empty()) return constant(width, 0);
     for (; parts.size() > 1; parts.resize((parts.size() + 1) / 2)) {
         for (std::size_t i = 0; 2 * i < parts.size(); ++i) {
-            parts[i] =
-                2 * i + 1 < parts.size() ? parts[2 * i] + parts[2 * i + 1] : parts[2 * i];
+            parts[i] = 2 * i + 1 < parts.size() ? parts[2 * i] + parts[2 * i + 1] : parts[2 * i];
         }
     }
     return parts.front();
@@ -80,8 +79,8 @@ std::string nameOf(Claim claim) {
 
 Claims::Claims(const Certified& certified)
     : network(certified.network), model(network.model), certificate(certified.certificate),
-      alone(certified.alone),
-      states{model.genSymState(1, 0), model.genSymState(1 + model.totalNrVertBits, 1)},
+      alone(certified.alone), states{model.genSymState(1, 0),
+                                     model.genSymState(1 + model.totalNrVertBits, 1)},
       never(model, certified.never), sets(model, anyOf(certificate.sets)) {
     assert(2L * model.totalNrVertBits <= mostVariables);
     for (const WrittenCertificate::Sum& sum : certificate.sums) {
@@ -146,7 +145,8 @@ BoolForm Claims::possible(const SymState& state) const {
         if (locations.size() == 1U << static_cast<uint>(bits)) continue;
         BoolForm some(false);
         for (const uint l : locations) {
-            some = dis(some, model.bef(a, static_cast<int>(network.locations[l].number), state.loc));
+            some =
+                dis(some, model.bef(a, static_cast<int>(network.locations[l].number), state.loc));
         }
         all = con(all, some);
     }
@@ -174,8 +174,7 @@ BoolForm Claims::inWeighed(const SymState& state) {
 BoolForm Claims::moved(const std::vector<uint>& automata) const {
     BoolForm stay(true);
     for (const uint a : automata) {
-        stay = con(stay,
-                   eq(states[0].loc, states[1].loc, model.bitShift[a], model.nrOfBits[a]));
+        stay = con(stay, eq(states[0].loc, states[1].loc, model.bitShift[a], model.nrOfBits[a]));
     }
     return neg(stay);
 }

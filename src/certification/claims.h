@@ -5,8 +5,9 @@
 // A state is inside if each automaton is where some run may come to (flatnetwork.h), no set of the
 // certificate has it, and the automata that were searched alone are in one of their states.
 //
-//     initial     the initial state is not inside, or a sum of weights is greater in it than is said
-//     step        a step leads from inside to a state that is not, but for what the sums exclude;
+//     initial     the initial state is not inside, or a sum of weights is greater in it than is
+//     said step        a step leads from inside to a state that is not, but for what the sums
+//     exclude;
 //                 or it increases a sum
 //     question    a state inside meets the condition; or a state of a set that a sum excludes has a
 //                 sum that is not greater than at the start

@@ -16,8 +16,8 @@ using Sum = WrittenCertificate::Sum;
 class Judge {
 public:
     Judge(const Certified& certified, Counterexample& result)
-        : certified(certified), model(certified.network.model),
-          certificate(certified.certificate), result(result) {}
+        : certified(certified), model(certified.network.model), certificate(certified.certificate),
+          result(result) {}
 
     void judge(Claim claim) {
         switch (claim) {
@@ -71,9 +71,7 @@ private:
                weighedWith(state) == nullptr;
     }
 
-    void look(const Condition& condition) {
-        looked.merge(Property(model, condition).automata());
-    }
+    void look(const Condition& condition) { looked.merge(Property(model, condition).automata()); }
     static std::string called(const Set& set) {
         return "set " + set.name + " of line " + std::to_string(set.line);
     }

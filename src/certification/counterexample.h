@@ -23,7 +23,7 @@ struct Counterexample {
 /// The counterexample that a model is: literals by ascending variable, each once, of which those up
 /// to maxVar are bits of states. If it is none, what is empty.
 [[nodiscard]] Counterexample counterexample(const Certified& certified,
-                                            const Transitions& transitions, Claim claim,
-                                            int maxVar, std::span<const int> literals);
+                                            const Transitions& transitions, Claim claim, int maxVar,
+                                            std::span<const int> literals);
 
 } // namespace tervoxal

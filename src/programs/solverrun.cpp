@@ -42,8 +42,7 @@ bool runsProgram(const std::string& command, const std::string& program) {
 
 Launch solverLaunch(const std::string& command, const std::string& clauses,
                     const std::string& answer, const std::string& log) {
-    Launch solver{
-        {"/bin/sh", "-c", "exec " + command + " \"$@\"", "sh", clauses}, "", answer, log};
+    Launch solver{{"/bin/sh", "-c", "exec " + command + " \"$@\"", "sh", clauses}, "", answer, log};
     if (runsProgram(command, "minisat")) {
         solver.words.push_back(solver.out);
         solver.out = "/dev/null";

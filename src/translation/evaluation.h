@@ -38,9 +38,9 @@ private:
     [[nodiscard]] uint addAction(uint number);
 
     const NetTimedModel& model;
-    Condition condition;         // the number of an atom is an index of atoms
-    std::vector<Atom> atoms;     // that of a deadlock stays empty
-    std::map<uint, uint> actions; // the atom of each that is looked at
+    Condition condition;                        // the number of an atom is an index of atoms
+    std::vector<Atom> atoms;                    // that of a deadlock stays empty
+    std::map<uint, uint> actions;               // the atom of each that is looked at
     std::vector<std::optional<BoolForm>> built; // of each atom, in the state
 };
 
