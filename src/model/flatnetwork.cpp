@@ -2,6 +2,7 @@
 
 #include "model/owners.h"
 #include "model/rows.h"
+#include "text/equalrange.h"
 
 #include <algorithm>
 #include <cassert>
@@ -183,9 +184,9 @@ std::optional<uint> FlatNetwork::action(uint number) const {
 }
 
 std::span<const NetTimedModel::Location> FlatNetwork::carriers(uint prop) const {
-    const auto [begin, end] = std::equal_range(carried.begin(), carried.end(), prop);
-    return std::span(carrying).subspan(static_cast<std::size_t>(begin - carried.begin()),
-                                       static_cast<std::size_t>(end - begin));
+    const auto found = equalRange(std::span(carried), prop);
+    return std::span(carrying).subspan(static_cast<std::size_t>(found.data() - carried.data()),
+                                       found.size());
 }
 
 } // namespace tervoxal

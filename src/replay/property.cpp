@@ -1,5 +1,7 @@
 #include "replay/property.h"
 
+#include "text/equalrange.h"
+
 #include <algorithm>
 #include <map>
 
@@ -76,7 +78,7 @@ void Property::change(const Change& change) {
     const auto forEach = [&](uint location, bool up) {
         const NetTimedModel::Location key(change.automaton, location);
         using Entry = std::pair<NetTimedModel::Location, uint>;
-        for (const auto& entry : std::ranges::equal_range(counted, key, {}, &Entry::first)) {
+        for (const auto& entry : equalRange(std::span(counted), key, &Entry::first)) {
             changeCount(entry.second, up);
         }
     };

@@ -1,5 +1,7 @@
 #include "replay/transitions.h"
 
+#include "text/equalrange.h"
+
 #include <algorithm>
 #include <cassert>
 #include <limits>
@@ -14,13 +16,6 @@ using Owner = Owners::Owner;
 
 constexpr uint largest = std::numeric_limits<uint>::max();
 const Move anyMove(largest, largest);
-
-/// Those of sorted elements that have the key; the elements are sorted by it.
-template <class Element, class Key, class KeyOf>
-std::span<const Element> withKey(std::span<const Element> sorted, const Key& key, KeyOf keyOf) {
-    const auto found = std::ranges::equal_range(sorted, key, {}, keyOf);
-    return {found.begin(), found.end()};
-}
 
 bool isLoop(const Move& move) { return move.first == move.second; }
 
@@ -57,8 +52,8 @@ void Transitions::addCandidates(uint action) {
 }
 
 std::span<const Transitions::Candidate> Transitions::candidates(uint automaton, Move move) const {
-    return withKey(std::span(index), std::pair(automaton, move),
-                   [](const Candidate& c) { return std::pair(c.automaton, c.move); });
+    return equalRange(std::span(index), std::pair(automaton, move),
+                      [](const Candidate& c) { return std::pair(c.automaton, c.move); });
 }
 
 void Transitions::addLeading(std::span<const Candidate> candidates, const State& from,
@@ -78,10 +73,10 @@ void Transitions::addLeading(std::span<const Candidate> candidates, const State&
     while (!candidates.empty()) {
         const uint other = candidates.front().other;
         const auto sameOther =
-            withKey(candidates, other, [](const Candidate& c) { return c.other; });
+            equalRange(candidates, other, [](const Candidate& c) { return c.other; });
         const auto addWith = [&](const Move& move) {
             for (const Candidate& candidate :
-                 withKey(sameOther, move, [](const Candidate& c) { return c.otherMove; })) {
+                 equalRange(sameOther, move, [](const Candidate& c) { return c.otherMove; })) {
                 if (leads(candidate.action)) numbers.push_back(owners.number(candidate.action));
             }
         };

@@ -1,5 +1,7 @@
 #include "search/randomwalk.h"
 
+#include "text/equalrange.h"
+
 #include <algorithm>
 #include <bit>
 #include <cassert>
@@ -119,11 +121,10 @@ void RandomWalk::step(const FlatNetwork& network) {
         uint m = network.movesBegin(p);
         uint choices = 1;
         if (network.participants[p].movesEnd - m > 1) { // mostly there is no other
-            const auto all = network.moves.begin();
-            const auto found =
-                std::ranges::equal_range(all + m, all + network.participants[p].movesEnd, source,
-                                         {}, &FlatNetwork::Move::source);
-            m = static_cast<uint>(found.begin() - all);
+            const std::span<const FlatNetwork::Move> all(network.moves);
+            const auto found = equalRange(all.subspan(m, network.movesOf(p).size()), source,
+                                          &FlatNetwork::Move::source);
+            m = static_cast<uint>(found.data() - all.data());
             choices = static_cast<uint>(found.size());
         }
         if (choices > 1) m += static_cast<uint>(draw(choices));

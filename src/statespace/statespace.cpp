@@ -1,6 +1,7 @@
 #include "statespace/statespace.h"
 
 #include "model/layout.h"
+#include "text/equalrange.h"
 
 #include <algorithm>
 #include <bit>
@@ -125,11 +126,12 @@ std::pair<uint, uint> StateSpace::choices(const Participant& participant, uint s
         const uint m = participant.movesBegin;
         return {m, moves[m].source == source ? m + 1 : m};
     }
-    const auto found =
-        std::ranges::equal_range(moves.begin() + participant.movesBegin,
-                                 moves.begin() + participant.movesEnd, source, {}, &Move::source);
-    return {static_cast<uint>(found.begin() - moves.begin()),
-            static_cast<uint>(found.end() - moves.begin())};
+    const std::span<const Move> all(moves);
+    const auto found = equalRange(
+        all.subspan(participant.movesBegin, participant.movesEnd - participant.movesBegin), source,
+        &Move::source);
+    const auto first = static_cast<uint>(found.data() - all.data());
+    return {first, first + static_cast<uint>(found.size())};
 }
 
 /// Makes the chosen moves in row and hash, or takes them back.
