@@ -32,7 +32,7 @@ _tervoxal() {
         mapfile -t COMPREPLY < <(compgen -P "$before" -W "$names" -- "${word#"$before"}")
         ;;
     --witness | --walk | --questions | --certificate | --output) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-    --keep | --paths) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
+    --keep | --paths | --certificates) mapfile -t COMPREPLY < <(compgen -d -- "$word") ;;
     --from | --jobs | --time | --prove-time | --states | --bound) ;;
     *)
         if [[ $word == -* ]]; then

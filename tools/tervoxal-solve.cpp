@@ -7,7 +7,6 @@
 #include "fixpoint/statebystate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
-#include "query/expressiontext.h"
 #include "query/grammar.h"
 #include "query/question.h"
 #include "report/answers.h"
@@ -80,6 +79,7 @@ const Command command{
       "go on for a proof that there is no path of any length, with a model checker beside"},
      {"prove-time", "SECONDS", "likewise, for SECONDS at most (60)"},
      {"certificate", "FILE", "likewise, and write what the proof rests on into FILE"},
+     {"certificates", "DIRECTORY", "the same of several questions, a file for each there"},
      {"format", "FORMAT",
       "text, json, vcd, dot or html, as tervoxal-path writes them (text);\n"
       "json has the whole table"},
@@ -122,10 +122,12 @@ Call::Call(const CommandLine& line) {
     asked.lengths.any = line.has("any");
     if (line.has("any") && line.has("least")) line.misused("--any or --least");
     seconds = line.number("time", 1, greatestPathLength, 0);
-    prove = line.has("prove") || line.has("prove-time") || line.has("certificate");
+    prove = line.has("prove") || line.has("prove-time") || line.has("certificate") ||
+            line.has("certificates");
     proveSeconds = std::chrono::seconds(line.number("prove-time", 1, greatestPathLength, 60));
     states = static_cast<std::size_t>(line.number("states", 1, greatestPathLength, 10'000'000));
     if (line.has("certificate") && many) line.misused("--certificate is of one question");
+    if (line.has("certificates") && !many) line.misused("--certificates needs several questions");
     format = askedFormat(line);
     follow = line.has("follow");
     if (follow && (!many || format.name == "json")) {
@@ -198,18 +200,9 @@ void beginCertificate(std::optional<OutputFile>& file, const std::string& name) 
     if (!file->writable()) error("cannot write " + name);
 }
 
-void writeCertificate(OutputFile& file, const std::string& name, const Call& call,
-                      const NetTimedModel& model, const Names& names,
-                      const Certificate& certificate) {
+void writeCertificate(OutputFile& file, const std::string& name, const Answers& answers) {
     std::ostringstream text;
-    const Question& question = call.asked.questions[0];
-    const bool claim = question.temporal && isClaim(*question.temporal);
-    const std::string asked = question.temporal
-                                  ? readable(question.text)
-                                  : ExpressionText(model, names).of(question.condition);
-    text << "# network: " << readable(call.asked.network) << '\n'
-         << (claim ? "# always: " : "# never: ") << asked << '\n';
-    showCertificate(text, model, names, certificate);
+    answers.showCertificate(text, 0);
     file.write(text.view());
     if (!file.close()) error("cannot write " + name);
 }
@@ -298,7 +291,9 @@ int main(int argc, char* argv[]) {
         asked.push_back(q);
     }
 
-    if (line.has("paths")) makeDirectory(line.value("paths", ""));
+    for (const char* const option : {"paths", "certificates"}) {
+        if (line.has(option)) makeDirectory(line.value(option, ""));
+    }
     std::optional<OutputFile> certificate;
     if (line.has("certificate")) beginCertificate(certificate, line.value("certificate", ""));
     const FlatNetwork network(model);
@@ -379,9 +374,9 @@ int main(int argc, char* argv[]) {
     }
     progress.end();
     if (certificate && answers.known(0).certificate) {
-        writeCertificate(*certificate, line.value("certificate", ""), call, model, names,
-                         *answers.known(0).certificate);
+        writeCertificate(*certificate, line.value("certificate", ""), answers);
     }
+    if (line.has("certificates")) answers.writeCertificates(line.value("certificates", ""));
 
     if (call.many) {
         showMany(line, call, answers, progress);

@@ -7,8 +7,10 @@
 #include "report/jsonreport.h"
 #include "system/outputfile.h"
 #include "text/fatal.h"
+#include "text/readable.h"
 
 #include <algorithm>
+#include <cassert>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -171,7 +173,10 @@ void Answers::showPath(std::ostream& out, std::size_t question, Show show) const
     });
 }
 
-void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
+/// A file for each question of which show writes something into a stream.
+template <class Show>
+void Answers::writeFiles(const std::string& directory, const std::string& suffix,
+                         Show&& show) const {
     FileNames fileNames;
     for (std::size_t q = 0; q < asked.questions.size(); ++q) {
         std::string file = directory;
@@ -180,14 +185,35 @@ void Answers::writePaths(const std::string& directory, const std::string& suffix
         file += '.';
         file += suffix;
         OutputFile out(file); // which removes that of an earlier call
-        withPath(q, [&](const Walk& walk) {
-            std::ostringstream text;
-            const Question& of = asked.questions[q];
-            show(text, {walk, of.condition, names, asked.network, shownFormula(q), asked.all});
-            out.write(text.view());
-            if (!out.close()) error("cannot write " + file);
-        });
+        std::ostringstream text;
+        show(text, q);
+        if (text.view().empty()) continue;
+        out.write(text.view());
+        if (!out.close()) error("cannot write " + file);
     }
+}
+
+void Answers::writePaths(const std::string& directory, const std::string& suffix, Show show) const {
+    writeFiles(directory, suffix,
+               [&](std::ostream& out, std::size_t question) { showPath(out, question, show); });
+}
+
+void Answers::showCertificate(std::ostream& out, std::size_t question) const {
+    assert(all[question].certificate);
+    const Question& of = asked.questions[question];
+    const bool claim = of.temporal && isClaim(*of.temporal);
+    out << "# network: " << readable(asked.network) << '\n'
+        << (claim ? "# always: " : "# never: ")
+        << (of.temporal ? readable(of.text)
+                        : ExpressionText(transitions.model, names).of(of.condition))
+        << '\n';
+    tervoxal::showCertificate(out, transitions.model, names, *all[question].certificate);
+}
+
+void Answers::writeCertificates(const std::string& directory) const {
+    writeFiles(directory, "proof", [&](std::ostream& out, std::size_t question) {
+        if (all[question].certificate) showCertificate(out, question);
+    });
 }
 
 } // namespace tervoxal

@@ -55,10 +55,17 @@ public:
     /// the number of the question. Ends the process with status 1 and one line on standard error
     /// where a file cannot be written, and like replay.
     void writePaths(const std::string& directory, const std::string& suffix, Show show) const;
+    /// What the proof of an answer rests on, after the network and the question. Precondition,
+    /// asserted: the question has a certificate.
+    void showCertificate(std::ostream& out, std::size_t question) const;
+    /// Writes each certificate into the directory, likewise with the ending .proof.
+    void writeCertificates(const std::string& directory) const;
 
 private:
     template <class Use>
     void withPath(std::size_t question, Use&& use) const;
+    template <class Show>
+    void writeFiles(const std::string& directory, const std::string& suffix, Show&& show) const;
 
     [[nodiscard]] Course courseOf(std::size_t question, const TemporalFormula& formula) const;
     [[nodiscard]] std::string shownFormula(std::size_t question) const;

@@ -6,6 +6,8 @@
 #include "search/solver.h"
 #include "search/unrolling.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <map>
 #include <utility>
@@ -38,6 +40,8 @@ public:
     void leaveSets() {
         for (const int set : literalsOf(certificate.sets)) solver.add({-set});
     }
+    /// Which of the sets have no states but those of larger sets and of those that weights exclude.
+    [[nodiscard]] std::vector<bool> coveredSets();
     [[nodiscard]] bool meetsSet() { return possible(literals.some(literalsOf(certificate.sets))); }
     [[nodiscard]] bool meets(const Condition& condition) {
         return possible(literals.literal(condition, unrolling.depth()));
@@ -92,6 +96,36 @@ private:
     std::map<std::pair<int, Certificate::Places>, int> known; // by position
 };
 
+std::vector<bool> Checked::coveredSets() {
+    // A set that covers another one leaves more of the states, so it comes before that.
+    std::vector<std::pair<double, std::size_t>> order;
+    for (std::size_t i = 0; i < certificate.sets.size(); ++i) {
+        double share = 0; // its logarithm
+        for (const Certificate::Places& places : certificate.sets[i]) {
+            std::size_t there = 0;
+            for (const uint location : places.locations) {
+                const FlatNetwork::Place place = network.place(places.automaton, location);
+                if (place.always || place.location) ++there;
+            }
+            const auto index = network.automaton(places.automaton);
+            const double of = index ? network.locationsOf(*index).size() : 1;
+            share += std::log(static_cast<double>(there) / of);
+        }
+        order.emplace_back(-share, i);
+    }
+    std::ranges::sort(order);
+    for (const Certificate::Weighed& weighed : certificate.weighed) {
+        for (const int set : literalsOf(weighed.sets)) solver.add({-set});
+    }
+    const std::vector<int> literals = literalsOf(certificate.sets);
+    std::vector<bool> covered(literals.size());
+    for (const auto& [share, i] : order) {
+        covered[i] = !possible(literals[i]);
+        if (!covered[i]) solver.add({-literals[i]});
+    }
+    return covered;
+}
+
 std::string aloneFault(const FlatNetwork& network, const std::vector<uint>& numbers,
                        const std::vector<const Condition*>& conditions) {
     std::vector<uint> automata;
@@ -122,6 +156,9 @@ std::string trim(const FlatNetwork& network, Certificate& certificate,
         std::string fault = weightsFault(network, weighed);
         if (!fault.empty()) return fault;
     }
+    const std::vector<bool> covered = Checked(network, certificate, false).coveredSets();
+    std::size_t place = 0;
+    std::erase_if(certificate.sets, [&](const auto&) { return covered[place++]; });
     if (!certificate.sets.empty() && Checked(network, certificate, true).meetsSet()) {
         return "the initial state is in a set of states that it excludes";
     }

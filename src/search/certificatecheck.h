@@ -20,7 +20,8 @@ namespace tervoxal {
                                            const Certificate& certificate,
                                            const std::vector<const Condition*>& conditions);
 
-/// The same, and leaves out the sets that weights exclude but no claim needs.
+/// The same, and leaves out the sets that weights exclude but no claim needs, and of the others
+/// those that larger ones cover, together with those that weights exclude.
 [[nodiscard]] std::string trim(const FlatNetwork& network, Certificate& certificate,
                                const std::vector<const Condition*>& conditions);
 

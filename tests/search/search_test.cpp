@@ -360,6 +360,68 @@ TEST(Certificates, areRefusedWithWhatFails) {
     }
 }
 
+/// Whether each state of a set is one of the other.
+bool covers(const Certificate::Set& larger, const Certificate::Set& smaller) {
+    return std::ranges::all_of(larger, [&](const Certificate::Places& places) {
+        const auto own =
+            std::ranges::find(smaller, places.automaton, &Certificate::Places::automaton);
+        return own != smaller.end() && std::ranges::includes(places.locations, own->locations);
+    });
+}
+
+// All states that are not reached, one by one and twice, and the locations that none has.
+TEST(Certificates, haveNoSetThatOthersCover) {
+    std::size_t given = 0;
+    std::size_t left = 0;
+    forEachNetwork(7, 250, 5, [&](Random& random, const NetTimedModel& model, const auto&) {
+        const FlatNetwork network(model);
+        const std::map<State, int> reached = distances(model);
+        Certificate certificate;
+        std::vector<State> states = {State(model.nrOfBits.size())};
+        for (const FlatNetwork::Automaton& automaton : network.automata) {
+            const uint number = automaton.number;
+            std::vector<State> more;
+            for (const uint i : network.locationsOf(*network.automaton(number))) {
+                const uint l = network.locations[i].number;
+                if (std::ranges::none_of(
+                        reached, [&](const auto& entry) { return entry.first[number] == l; })) {
+                    certificate.sets.push_back({{number, {l}}});
+                }
+                for (State s : states) {
+                    s[number] = l;
+                    more.push_back(s);
+                }
+            }
+            states.swap(more);
+        }
+        std::erase_if(states, [&](const State& s) { return reached.contains(s); });
+        const auto cube = [&](const State& s) {
+            Certificate::Set set;
+            for (const auto& [number, end] : network.automata) set.push_back({number, {s[number]}});
+            return set;
+        };
+        for (const State& s : states) {
+            certificate.sets.push_back(cube(s));
+            if (random() % 2 == 0) certificate.sets.push_back(cube(s));
+        }
+        given += certificate.sets.size();
+        const Condition falsity{{{Condition::Term::falsity}}};
+        EXPECT_EQ(trim(network, certificate, {&falsity}), "");
+        left += certificate.sets.size();
+        for (std::size_t i = 0; i < certificate.sets.size(); ++i) {
+            for (std::size_t j = 0; j < certificate.sets.size(); ++j) {
+                EXPECT_TRUE(i == j || !covers(certificate.sets[i], certificate.sets[j]));
+            }
+        }
+        for (const State& s : states) {
+            EXPECT_TRUE(std::ranges::any_of(certificate.sets,
+                                            [&](const auto& set) { return covers(set, cube(s)); }));
+        }
+    });
+    EXPECT_GT(left, 40U);
+    EXPECT_GT(given, left + 40);
+}
+
 TEST(Certificates, ofAutomataAloneAreSearchedOnceMore) {
     const Counters counters(2);
     const FlatNetwork network(counters.model);
