@@ -7,8 +7,12 @@
 #include "query/vocabulary.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
+#include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tervoxal {
 
@@ -25,6 +29,51 @@ inline Names namesOf(const NetTimedModel& model) {
     for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a)
         names.automata[a] = "a, " + std::to_string(a);
     return names;
+}
+
+/// Counts of propositions and places are compared.
+inline RandomQuestion randomCount(const NetTimedModel& model, Random& random) {
+    using Holds = std::function<bool(const State&)>;
+    std::string text;
+    std::vector<std::pair<int, Holds>> counted;
+    int number = 0;
+    std::string relation;
+    for (const int side : {1, -1}) {
+        for (auto terms = 1 + random() % 2; terms > 0; --terms) {
+            if (random() % 4 == 0) {
+                const int n = static_cast<int>(random() % 3);
+                text += std::to_string(n);
+                number += side * n;
+            } else if (random() % 4 == 0) {
+                text += "count(at(\"a*\", 0))";
+                for (uint a = 1; a <= static_cast<uint>(model.nrOfAutomata); ++a)
+                    counted.emplace_back(side, [=](const State& s) { return s[a] == 0; });
+            } else {
+                text += "count(";
+                std::set<std::string> props;
+                for (auto n = 1 + random() % 4; n > 0; --n)
+                    props.insert('p' + commonProps.at(random() % 4));
+                for (const std::string& prop : props) {
+                    text += (prop == *props.begin() ? "" : ", ") + prop;
+                    counted.emplace_back(
+                        side, [=, &model](const State& s) { return meets(model, s, prop); });
+                }
+                text += ')';
+            }
+            if (terms > 1) text += " + ";
+        }
+        if (side < 0) break;
+        static const std::array relations = {"<", "<=", "=", "!=", ">=", ">"};
+        relation = relations.at(random() % relations.size());
+        text += ' ' + relation + ' ';
+    }
+    return {'(' + text + ')', [=](const State& s) {
+                int sum = number;
+                for (const auto& [side, holds] : counted) sum += holds(s) ? side : 0;
+                if (relation == "!=") return sum != 0;
+                if (sum == 0) return relation.ends_with('=');
+                return relation.starts_with(sum < 0 ? '<' : '>');
+            }};
 }
 
 /// An expression with the names of namesOf; there is an automaton.
@@ -44,7 +93,8 @@ inline RandomQuestion randomQuestion(const NetTimedModel& model, Random& random,
     }
     const uint x = random() % 8;
     const auto a = 1 + static_cast<uint>(random() % static_cast<uint>(model.nrOfAutomata));
-    const auto kind = random() % 4;
+    const auto kind = random() % 5;
+    if (kind == 4) return randomCount(model, random);
     if (kind == 0) {
         return {"deadlock", [=, &model](const State& s) {
                     return std::ranges::none_of(model.actionAutomata, possible(s));

@@ -3,6 +3,7 @@
 #include "model/names.h"
 #include "query/expression.h"
 #include "query/grammar.h"
+#include "query/sum.h"
 #include "query/vocabulary.h"
 #include "system/command.h"
 #include "system/filenames.h"
@@ -10,10 +11,19 @@
 #include "text/fatal.h"
 #include "text/lines.h"
 
+#include <cstddef>
 #include <iostream>
+#include <optional>
 #include <string>
 
 using namespace tervoxal;
+
+namespace {
+
+/// What a formula may hold in place of sums; a line of that is read in 0.1 s.
+constexpr std::size_t mostTokens = 1000000;
+
+} // namespace
 
 int main(int argc, char* argv[]) {
     std::ios::sync_with_stdio(false); // synchronised, std::cin takes a read error for the end
@@ -42,6 +52,12 @@ int main(int argc, char* argv[]) {
         std::cerr << "warning: " << warning << '\n';
     }
     if (!asked.beyondFormula.empty()) error(asked.beyondFormula + ", tervoxal-solve --ask has");
-    std::cout << postfixOf(asked.condition) << '\n';
+    const std::optional<Condition> plain = writtenOut(asked.condition, mostTokens);
+    if (!plain) {
+        error("without count(...), which formula files do not have, this takes more than " +
+              std::to_string(mostTokens) +
+              " propositions and operators; tervoxal-solve --ask counts");
+    }
+    std::cout << postfixOf(*plain) << '\n';
     return finished(0);
 }

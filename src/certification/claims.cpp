@@ -57,6 +57,7 @@ std::optional<std::vector<uint>> automataOf(const Condition& condition) {
         case Term::at: automata.push_back(token.number); break;
         case Term::prop:
         case Term::enabled:
+        case Term::sum:
         case Term::deadlock: return {};
         default: break;
         }

@@ -8,19 +8,20 @@ std::vector<bool> lookedAt(const FlatNetwork& network, const Condition& conditio
     const auto look = [&](uint a) {
         if (const auto index = network.automaton(a)) looked[*index] = true;
     };
-    for (const Condition::Token& token : condition.tokens) {
-        if (token.term == Term::deadlock) looked.assign(looked.size(), true);
-        if (token.term == Term::at) look(token.number);
-        if (token.term == Term::prop) {
-            for (const auto& [a, l] : network.carriers(token.number)) look(a);
+    const auto lookAt = [&](const Condition::Token& atom) {
+        if (atom.term == Term::deadlock) looked.assign(looked.size(), true);
+        if (atom.term == Term::at) look(atom.number);
+        if (atom.term == Term::prop) {
+            for (const auto& [a, l] : network.carriers(atom.number)) look(a);
         }
-        if (token.term != Term::enabled) continue;
-        const auto x = network.action(token.number);
-        if (!x) continue;
+        if (atom.term != Term::enabled) return;
+        const auto x = network.action(atom.number);
+        if (!x) return;
         for (const uint p : network.participantsOf(*x)) {
             looked[network.participants[p].automaton] = true;
         }
-    }
+    };
+    for (const Condition::Token& token : condition.tokens) forEachAtom(token, lookAt);
     return looked;
 }
 

@@ -9,11 +9,13 @@
 //     deadlock                    no step is possible
 //     after x                     the step that led to the state took action x
 //     initial                     no step has been taken yet
+//     sum                         the weights of those of some atoms that hold add up to a bound
 //     negation                    of one operand
 //     conjunction, disjunction    of two operands
 //
 // The numbers are those of the network; nothing here knows whether it has them. After and initial
-// are for temporal formulas (temporalformula.h): what is asked of a state alone has neither.
+// are for temporal formulas (temporalformula.h): what is asked of a state alone has neither. A sum
+// is made by sumOf (sum.h), and is an atom to all who look at a condition from outside.
 //
 // Invariant: the tokens leave exactly one value.
 
@@ -22,6 +24,8 @@
 #include "temporal/ectlform.h"
 
 #include <cassert>
+#include <cstdint>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,14 +42,25 @@ struct Condition {
         deadlock,
         after,
         initial,
+        sum,
         negation,
         conjunction,
         disjunction
     };
+    struct Part;
     struct Token {
         Term term;
         unsigned int number = 0;   // of the proposition, the automaton or the action
         unsigned int location = 0; // of the automaton
+        /// Of a sum: its parts, which sums of other bounds may share, and what they add up to at
+        /// least.
+        std::shared_ptr<const std::vector<Part>> parts{};
+        std::int64_t least = 0;
+    };
+    /// What an atom weighs where it holds; where it does not, it weighs nothing.
+    struct Part {
+        Token atom; // prop, at or enabled
+        std::int64_t weight;
     };
 
     std::vector<Token> tokens;
@@ -67,6 +82,13 @@ struct Condition {
 /// negates propositions only and has no false, so that is p0p-0&. Linear in the condition.
 /// Precondition, asserted: the condition is about propositions alone, and negates nothing else.
 [[nodiscard]] std::string postfixOf(const Condition& condition);
+
+/// Calls use with each atom that the token names: the token itself, or those of a sum.
+template <class Use>
+void forEachAtom(const Condition::Token& token, Use&& use) {
+    if (token.term != Condition::Term::sum) return use(token);
+    for (const Condition::Part& part : *token.parts) use(part.atom);
+}
 
 /// The value of a condition, in one pass. The algebra has constant(bool), atom(token) for the
 /// propositions and what else is no operator, negation(value), conjunction(value, value) and
@@ -90,7 +112,8 @@ template <class Algebra>
         case Term::enabled:
         case Term::deadlock:
         case Term::after:
-        case Term::initial: values.push_back(algebra.atom(token)); break;
+        case Term::initial:
+        case Term::sum: values.push_back(algebra.atom(token)); break;
         case Term::negation: values.push_back(algebra.negation(pop())); break;
         case Term::conjunction:
         case Term::disjunction: {

@@ -1,17 +1,22 @@
 #include "query/expression.h"
 
 #include "query/hints.h"
+#include "query/sum.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
 #include "text/readable.h"
 #include "text/scanner.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <set>
 #include <string_view>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 namespace tervoxal {
 
@@ -70,6 +75,34 @@ struct Sort {
 const Sort propositions{"proposition", "propositions", "", "p and the number"};
 const Sort actions{"action", "actions", "", "the number"};
 const Sort automata{"automaton", "automata", "", "the number"};
+const Sort amounts{"count", "counts", "", ""};
+
+/// Whether a name matches a pattern, in which ? stands for one character (UTF-8) and * for any
+/// number of them. Of several * only the last one met can have to give way.
+bool matches(std::string_view pattern, std::string_view name) {
+    const auto isPart = [](char c) { return (static_cast<unsigned char>(c) & 0xc0U) == 0x80U; };
+    std::size_t p = 0;
+    std::size_t n = 0;
+    std::optional<std::pair<std::size_t, std::size_t>> star; // after it, in pattern and name
+    while (n < name.size()) {
+        if (p < pattern.size() && pattern[p] == '*') {
+            star = {++p, n};
+        } else if (p < pattern.size() && pattern[p] == '?') {
+            ++p;
+            ++n;
+            while (n < name.size() && isPart(name[n])) ++n;
+        } else if (p < pattern.size() && pattern[p] == name[n]) {
+            ++p;
+            ++n;
+        } else if (star) {
+            p = star->first;
+            n = ++star->second;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of('*', p) == std::string_view::npos;
+}
 
 /// A name or a number.
 struct Word {
@@ -89,6 +122,7 @@ public:
         : text(text), vocabulary(vocabulary), where(where) {}
 
     Token next(const Context& around) {
+        if (waiting < written.size()) return written[waiting++];
         context = around;
         skipBlanks();
         const std::size_t begin = at;
@@ -96,6 +130,10 @@ public:
         if (token.kind != Atom) last.reset();
         token.begin = begin;
         token.end = at;
+        for (std::size_t i = waiting; i < written.size(); ++i) {
+            written[i].begin = begin;
+            written[i].end = at;
+        }
         return token;
     }
 
@@ -166,6 +204,7 @@ private:
                 warn(word, "a constant", propositions, vocabulary.props);
                 return {word.text == "true" ? True : False};
             }
+            if (word.text == "deadlock" && opens()) return deadlockBut(word);
             if (word.text == "deadlock") {
                 warn(word, "that no action is possible", propositions, vocabulary.props);
                 return beyond(word, {Term::deadlock});
@@ -178,17 +217,287 @@ private:
             if (const auto token = temporal(word)) return *token;
             if (word.text == "enabled" && opens()) return enabled(word);
             if (word.text == "at" && opens()) return located(word);
-            if (word.text[0] == 'p' && isNumber(std::string_view(word.text).substr(1))) {
-                const Word digits{word.text.substr(1), word.begin, false};
-                const unsigned int prop = numberIn(digits, propositions);
-                warn(word, "proposition " + std::to_string(prop), propositions, vocabulary.props,
-                     prop);
-                return {Atom, {Term::prop, prop}};
+            if ((word.text == "any" || word.text == "all") && opens()) {
+                return joined(things(word), word.text == "any" ? Or : And);
+            }
+            const bool counts = word.text == "count" && opens();
+            const bool number = isNumber(word.text) && !isProposition(word) && isSummed();
+            if (counts || number) {
+                at = word.begin;
+                return comparison();
             }
         }
-        const unsigned int prop = named(word, propositions, vocabulary.props);
+        const unsigned int prop = proposition(word);
         last = word;
         return {Atom, {Term::prop, prop}};
+    }
+
+    unsigned int proposition(const Word& word) {
+        if (word.quoted || word.text[0] != 'p' ||
+            !isNumber(std::string_view(word.text).substr(1))) {
+            return named(word, propositions, vocabulary.props);
+        }
+        const Word digits{word.text.substr(1), word.begin, false};
+        const unsigned int prop = numberIn(digits, propositions);
+        warn(word, "proposition " + std::to_string(prop), propositions, vocabulary.props, prop);
+        return prop;
+    }
+
+    /// What comes next are these tokens.
+    Token write(std::vector<Token> tokens) {
+        written = std::move(tokens);
+        waiting = 1;
+        return written.front();
+    }
+
+    /// The atoms with operators between them, in brackets.
+    Token joined(const std::vector<Condition::Token>& atoms, Kind operation, bool negated = false) {
+        std::vector<Token> tokens = {{Open}};
+        for (const Condition::Token& atom : atoms) {
+            if (tokens.size() > 1) tokens.push_back({operation});
+            if (negated) tokens.push_back({Not});
+            tokens.push_back({Atom, atom});
+        }
+        if (atoms.empty()) tokens.push_back({operation == And ? True : False});
+        tokens.push_back({Close});
+        return write(std::move(tokens));
+    }
+
+    Token deadlockBut(const Word& word) {
+        beyond(word, {Term::deadlock});
+        std::set<unsigned int> left = vocabulary.actions.numbers;
+        expect('(', word);
+        do {
+            for (const unsigned int action : matching(word, actions, vocabulary.actions)) {
+                left.erase(action);
+            }
+        } while (goesOn(word));
+        std::vector<Condition::Token> atoms;
+        for (const unsigned int action : left) atoms.push_back({Term::enabled, action});
+        return joined(atoms, And, true);
+    }
+
+    /// Whether another one follows in the brackets; they are closed otherwise.
+    bool goesOn(const Word& atom) {
+        skipBlanks();
+        if (at < text.size() && text[at] == ',') {
+            ++at;
+            return true;
+        }
+        expect(')', atom);
+        return false;
+    }
+
+    /// What stands between the brackets of count, any and all, each thing once.
+    std::vector<Condition::Token> things(const Word& atom) {
+        std::vector<Condition::Token> all;
+        std::set<std::tuple<Term, unsigned int, unsigned int>> known;
+        const auto add = [&](const Condition::Token& thing) {
+            if (known.insert({thing.term, thing.number, thing.location}).second) {
+                all.push_back(thing);
+            }
+        };
+        expect('(', atom);
+        do {
+            skipBlanks();
+            const Word word = argumentWord(atom, propositions);
+            if (!word.quoted && word.text == "enabled" && opens()) {
+                beyond(word, {Term::enabled});
+                expect('(', word);
+                for (const unsigned int x : matching(word, actions, vocabulary.actions)) {
+                    add({Term::enabled, x});
+                }
+                expect(')', word);
+            } else if (!word.quoted && word.text == "at" && opens()) {
+                beyond(word, {Term::at});
+                for (const auto& [a, l] : places(word)) add({Term::at, a, l});
+            } else if (isPattern(word)) {
+                for (const unsigned int p : allMatching(word, propositions, vocabulary.props)) {
+                    add({Term::prop, p});
+                }
+            } else {
+                add({Term::prop, proposition(word)});
+            }
+        } while (goesOn(atom));
+        return all;
+    }
+
+    /// The places of an at(a, l) of which both may be patterns.
+    std::vector<std::pair<unsigned int, unsigned int>> places(const Word& word) {
+        expect('(', word);
+        const std::vector<unsigned int> found = matching(word, automata, vocabulary.automata);
+        expect(',', word);
+        std::vector<std::pair<unsigned int, unsigned int>> all;
+        skipBlanks();
+        const std::size_t begin = at;
+        for (const unsigned int a : found) {
+            at = begin;
+            const Sort locations{"location", "locations", " of automaton " + std::to_string(a),
+                                 "the number"};
+            const Things& things = vocabulary.locations.at(a);
+            const Word location = argumentWord(word, locations);
+            const bool there = isPattern(location) || things.named.contains(location.text) ||
+                               (!location.quoted && isNumber(location.text));
+            if (found.size() > 1 && !there) continue; // others may have it
+            at = begin;
+            for (const unsigned int l : matching(word, locations, things, found.size() > 1)) {
+                all.emplace_back(a, l);
+            }
+        }
+        if (all.empty()) {
+            refuse(begin, "none of the automata has such a location");
+        }
+        expect(')', word);
+        return all;
+    }
+
+    static bool isPattern(const Word& word) {
+        return word.quoted && word.text.find_first_of("*?") != std::string::npos;
+    }
+
+    /// The numbers of the things of all names that match; there is one unless there may be none.
+    std::vector<unsigned int> allMatching(const Word& pattern, const Sort& sort,
+                                          const Vocabulary::Named& names, bool mayBeNone = false) {
+        std::vector<unsigned int> all;
+        for (const auto& [name, numbers] : names) {
+            if (matches(pattern.text, name)) all.insert(all.end(), numbers.begin(), numbers.end());
+        }
+        if (all.empty() && !mayBeNone) {
+            refuse(pattern.begin, "no name of " + (sort.one[0] == 'a' ? "an " : std::string("a ")) +
+                                      sort.one + sort.of + " matches " + inQuotes(pattern.text) +
+                                      nearestHint(meant(pattern), names, false));
+        }
+        std::ranges::sort(all);
+        return all;
+    }
+
+    /// What stands next: a number, a name or a pattern.
+    std::vector<unsigned int> matching(const Word& atom, const Sort& sort, const Things& things,
+                                       bool mayBeNone = false) {
+        skipBlanks();
+        const std::size_t begin = at;
+        const Word word = argumentWord(atom, sort);
+        if (isPattern(word)) return allMatching(word, sort, things.named, mayBeNone);
+        if (mayBeNone && !word.quoted && isNumber(word.text) &&
+            !things.numbers.contains(numberIn(word, sort))) {
+            return {};
+        }
+        at = begin;
+        return {one(atom, sort, things)};
+    }
+
+    /// A relation of two sums, as an inequality or two.
+    Token comparison() {
+        const std::size_t begin = at;
+        std::vector<Condition::Part> parts;
+        std::int64_t number = addSide(parts, 1);
+        const Relation relation = takeRelation();
+        number += addSide(parts, -1);
+        skipBlanks();
+        if (relates()) {
+            refuse(at, "two comparisons in a row need & between them: "
+                       "count(a, b) >= 1 & count(a, b) <= 2");
+        }
+        // The parts add up to -number or more where the left side is not below the right one.
+        const auto atLeast = [&](std::int64_t more) { return sumOf(parts, more - number); };
+        const auto token = [&](std::int64_t more) {
+            const Condition::Token sum = atLeast(more);
+            return Token{sum.term == Term::sum     ? Atom
+                         : sum.term == Term::truth ? True
+                                                   : False,
+                         sum};
+        };
+        const Token lower = token(0);
+        const Token higher = token(1);
+        const bool needsLower = relation != Relation::atMost && relation != Relation::above;
+        const bool needsHigher = relation != Relation::atLeast && relation != Relation::below;
+        const bool never =
+            (relation == Relation::atLeast && lower.kind == False) ||
+            (relation == Relation::above && higher.kind == False) ||
+            (relation == Relation::below && lower.kind == True) ||
+            (relation == Relation::atMost && higher.kind == True) ||
+            (relation == Relation::equal && (lower.kind == False || higher.kind == True));
+        const bool constant =
+            (!needsLower || lower.kind != Atom) && (!needsHigher || higher.kind != Atom);
+        if (never || constant) {
+            warnings.push_back("column " + std::to_string(begin + 1) +
+                               ": the comparison holds in " +
+                               (never ? "no state" : "every state or in none"));
+        }
+        switch (relation) {
+        case Relation::atLeast: return lower;
+        case Relation::above: return higher;
+        case Relation::below: return write({{Open}, {Not}, lower, {Close}});
+        case Relation::atMost: return write({{Open}, {Not}, higher, {Close}});
+        case Relation::equal: return write({{Open}, lower, {And}, {Not}, higher, {Close}});
+        case Relation::unequal: break;
+        }
+        return write({{Open}, {Not}, lower, {Or}, higher, {Close}});
+    }
+
+    enum class Relation { below, atMost, equal, unequal, atLeast, above };
+
+    /// Whether a relation, a plus or a minus follows.
+    [[nodiscard]] bool isSummed() const {
+        const char c = follows();
+        const std::string_view rest = trimmed(std::string_view(text).substr(at));
+        return relates() || c == '+' || (c == '-' && !rest.starts_with("->"));
+    }
+
+    /// Whether a relation follows.
+    [[nodiscard]] bool relates() const {
+        const std::string_view rest = trimmed(std::string_view(text).substr(at));
+        return !rest.empty() &&
+               (rest[0] == '<' || rest[0] == '>' || rest[0] == '=' || rest.starts_with("!="));
+    }
+
+    Relation takeRelation() {
+        skipBlanks();
+        static const std::vector<std::pair<std::string_view, Relation>> relations = {
+            {"<=", Relation::atMost}, {">=", Relation::atLeast}, {"!=", Relation::unequal},
+            {"<", Relation::below},   {">", Relation::above},    {"=", Relation::equal}};
+        static const std::vector<std::pair<std::string_view, std::string_view>> slips = {
+            {"==", "="}, {"=>", ">="}, {"=<", "<="}, {"<>", "!="}};
+        const std::string_view rest = std::string_view(text).substr(at);
+        for (const auto& [slip, meant] : slips) {
+            if (rest.starts_with(slip)) {
+                refuse(at, inQuotes(slip) + " is written " + std::string(meant));
+            }
+        }
+        for (const auto& [sign, relation] : relations) {
+            if (!rest.starts_with(sign)) continue;
+            at += sign.size();
+            return relation;
+        }
+        refuse(at,
+               "count(...) is a number, compare it: count(...) >= 2, also with <, <=, =, !=, >");
+    }
+
+    /// One side of a comparison: its counts go to the parts, its numbers are given back.
+    std::int64_t addSide(std::vector<Condition::Part>& parts, int side) {
+        std::int64_t number = 0;
+        for (int sign = side;; ++at) {
+            skipBlanks();
+            std::size_t end = at;
+            while (end < text.size() && text[end] >= '0' && text[end] <= '9') ++end;
+            if (end > at) {
+                const Word digits{text.substr(at, end - at), at, false};
+                number += sign * std::int64_t{numberIn(digits, amounts)};
+                at = end;
+            } else {
+                const std::size_t begin = at;
+                const Word counting = word("!&|()\",<>=+-");
+                if (counting.quoted || counting.text != "count" || !opens()) {
+                    refuse(begin, "a number or count(...) is missing in a comparison");
+                }
+                for (const Condition::Token& thing : things(counting)) {
+                    parts.push_back({thing, sign});
+                }
+            }
+            skipBlanks();
+            if (at == text.size() || arrow() || (text[at] != '+' && text[at] != '-')) return number;
+            sign = text[at] == '+' ? side : -side;
+        }
     }
 
     [[nodiscard]] bool isProposition(const Word& word) const {
@@ -284,11 +593,20 @@ private:
     /// What stands after the symbol: a number or a name of one of the things.
     unsigned int argument(const Word& atom, char symbol, const Sort& sort, const Things& things) {
         expect(symbol, atom);
+        return one(atom, sort, things);
+    }
+
+    Word argumentWord(const Word& atom, const Sort& sort) {
         skipBlanks();
-        const Word argument = word("!&|()\",");
+        Word argument = word("!&|()\",");
         if (argument.text.empty() && !argument.quoted) {
             refuse(at, "the " + sort.one + " is missing in " + atom.text + "(...)");
         }
+        return argument;
+    }
+
+    unsigned int one(const Word& atom, const Sort& sort, const Things& things) {
+        const Word argument = argumentWord(atom, sort);
         if (argument.quoted || !isNumber(argument.text)) {
             const unsigned int number = named(argument, sort, things.named);
             skipBlanks();
@@ -387,7 +705,9 @@ private:
     const Vocabulary& vocabulary;
     const std::string& where;
     std::size_t at = 0;
-    std::optional<Word> last; // the name that is the token before, if it is one
+    std::vector<Token> written; // that stand for one of the text
+    std::size_t waiting = 0;    // the first of them that is still to come
+    std::optional<Word> last;   // the name that is the token before, if it is one
     Context context{true, 0};
     std::set<std::pair<std::string, std::string>> warned;
 };

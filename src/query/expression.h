@@ -15,19 +15,26 @@
 //     at(a, l)       automaton a is in location l
 //     after(x)       the last step was action x
 //     initial        no step has been taken yet
+//     count(t, t) >= 2   how many of the things hold; also <, <=, =, !=, >
+//     any(t, t)      some of them holds
+//     all(t, t)      all of them hold
+//     deadlock(x, x) no action but these is possible
 //     EX a  AX a     a holds after the next step: of some path, of all paths
 //     EF a  AF a     a holds some time
 //     EG a  AG a     a holds for ever
 //     E[a U b]       b holds some time and a up to then; A[a U b] likewise
 //
-// x, a and l are numbers or names. Blanks separate and mean nothing. A bare name ends before a
-// blank, of one of ! & | ( ) " and of "->", between the brackets of an atom before a comma as
-// well, and in E[ ] before a "]" that it has not opened; all other bytes may stand in it. `p` with
-// digits after it is always a number, and so are digits between the brackets of an atom; `true`,
-// `false` and `deadlock` are always these words. In double quotes they are names. `enabled`, `at`
-// and `after` are names unless a bracket follows, and so are EX and its like unless an operand
-// does, where a proposition is called that. `initial` and "E[..." are names where a proposition is
-// called that.
+// x, a and l are numbers or names. A thing t is a proposition, at(a, l) or enabled(x). In the
+// brackets of the last four a name in double quotes that has a * or a ? stands for all names that
+// match: ? for one character, * for any number of them. A thing counts once, however often it is
+// named. Either side of a comparison is a sum and difference of counts and numbers. Blanks separate
+// and mean nothing. A bare name ends before a blank, of one of ! & | ( ) " and of "->", between the
+// brackets of an atom before a comma as well, and in E[ ] before a "]" that it has not opened; all
+// other bytes may stand in it. `p` with digits after it is always a number, and so are digits
+// between the brackets of an atom; `true`, `false` and `deadlock` are always these words. In double
+// quotes they are names. `enabled`, `at`, `after`, `count`, `any` and `all` are names unless a
+// bracket follows, and so are EX and its like unless an operand does, where a proposition is called
+// that. `initial` and "E[..." are names where a proposition is called that.
 
 #pragma once
 

@@ -73,6 +73,36 @@ std::string ExpressionText::atom(const Condition::Token& token) const {
     }
 }
 
+std::string ExpressionText::sum(const Condition::Token& token, bool reaches) const {
+    // A count has each thing once, so what weighs more is in several counts.
+    const auto counts = [&](std::int64_t sign) {
+        std::string text;
+        for (std::int64_t weight = 1;; ++weight) {
+            std::string list;
+            for (const Condition::Part& part : *token.parts) {
+                if (sign * part.weight < weight) continue;
+                list += (list.empty() ? "" : ", ") + atom(part.atom);
+            }
+            if (list.empty()) return text;
+            text += (text.empty() ? "count(" : " + count(") + list + ')';
+        }
+    };
+    const std::string left = counts(1);
+    const std::string right = counts(-1);
+    const std::int64_t least = token.least;
+    if (right.empty()) {
+        return left +
+               (reaches ? " >= " + std::to_string(least) : " <= " + std::to_string(least - 1));
+    }
+    if (left.empty()) { // as many as the bound allows
+        return right + (reaches ? " <= " + std::to_string(-least) : " > " + std::to_string(-least));
+    }
+    const std::string more = least > 0   ? " + " + std::to_string(least)
+                             : least < 0 ? " - " + std::to_string(-least)
+                                         : "";
+    return left + (reaches ? " >= " : " < ") + right + more;
+}
+
 /// Writes from left to right: put together from the texts of operands, a long condition would take
 /// time for its length at each operator.
 ExpressionText::Operand ExpressionText::operand(const Condition& condition) const {
@@ -114,7 +144,12 @@ ExpressionText::Operand ExpressionText::operand(const Condition& condition) cons
         switch (tokens[token].term) {
         case Term::falsity: result.text += "false"; break;
         case Term::truth: result.text += "true"; break;
+        case Term::sum: result.text += sum(tokens[token], true); break;
         case Term::negation:
+            if (tokens[token - 1].term == Term::sum) {
+                result.text += sum(tokens[token - 1], false);
+                break;
+            }
             result.text += '!';
             pieces.push_back({nullptr, token - 1, 3});
             break;

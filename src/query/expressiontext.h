@@ -27,6 +27,8 @@ private:
 
     [[nodiscard]] Operand operand(const Condition& condition) const;
     [[nodiscard]] std::string atom(const Condition::Token& token) const;
+    /// A sum reaches its bound, or stays below it.
+    [[nodiscard]] std::string sum(const Condition::Token& token, bool reaches) const;
 
     const Vocabulary vocabulary;
     const Names& names;

@@ -15,7 +15,7 @@ struct Form {
     std::string_view meaning;
 };
 
-constexpr std::array<Form, 19> forms = {
+constexpr std::array<Form, 24> forms = {
     {{Grammar::ofFormulas, "!a", "not a"},
      {Grammar::ofFormulas, "a & b", "a and b"},
      {Grammar::ofFormulas, "a | b", "a or b"},
@@ -24,7 +24,14 @@ constexpr std::array<Form, 19> forms = {
      {Grammar::ofFormulas, "true, false", "the constants"},
      {Grammar::ofFormulas, "name", "the proposition that the network names so"},
      {Grammar::ofFormulas, "p12", "proposition 12"},
+     {Grammar::ofFormulas, "count(a, b) >= 1",
+      "so many of the propositions hold; also <, <=, =, !=, >"},
+     {Grammar::ofFormulas, R"(any(a, "b*"))",
+      "some of them holds; all(a, b): all of them; here and in"},
+     {Grammar::ofFormulas, "", "count, a name in quotes with * or ? is all that match"},
+     {Grammar::whole, "", "as well: at(a, l) and enabled(x), likewise"},
      {Grammar::whole, "deadlock", "no action is possible"},
+     {Grammar::whole, "deadlock(x)", "no action but this, or several, is possible"},
      {Grammar::whole, "enabled(x)", "the action of that name or number is possible"},
      {Grammar::whole, "at(a, l)", "automaton a is in its location l, by names or numbers"},
      {Grammar::ofPaths, "after(x)", "the last step was action x"},
@@ -39,7 +46,7 @@ constexpr std::array<Form, 19> forms = {
 } // namespace
 
 std::string grammarHelp(Grammar grammar) {
-    constexpr std::size_t width = 13;
+    constexpr std::size_t width = 18;
     std::string help;
     for (const Form& form : forms) {
         if (form.least > grammar) continue;

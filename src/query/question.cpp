@@ -33,7 +33,9 @@ public:
         std::set<uint> asked;
         const auto collect = [&](const Condition& condition) {
             for (const Condition::Token& token : condition.tokens) {
-                if (token.term == Condition::Term::prop) asked.insert(token.number);
+                forEachAtom(token, [&](const Condition::Token& atom) {
+                    if (atom.term == Condition::Term::prop) asked.insert(atom.number);
+                });
             }
         };
         collect(expression.condition);

@@ -28,6 +28,11 @@ struct Here {
         case Condition::Term::after: return action == token.number;
         case Condition::Term::at: return state[token.number] == token.location;
         case Condition::Term::enabled: return canTake(model, state, token.number);
+        case Condition::Term::sum: {
+            std::int64_t sum = 0;
+            for (const auto& [part, weight] : *token.parts) sum += atom(part) ? weight : 0;
+            return sum >= token.least;
+        }
         case Condition::Term::deadlock:
             return std::ranges::none_of(model.actionAutomata, [&](const auto& entry) {
                 return canTake(model, state, entry.first);

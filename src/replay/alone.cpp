@@ -43,6 +43,7 @@ private:
     [[nodiscard]] std::optional<uint> firstMove(uint participant, std::size_t slot) const;
     [[nodiscard]] Possible possible(uint action) const;
     [[nodiscard]] Possible at(uint automaton, uint location) const;
+    [[nodiscard]] Possible sum(const Condition::Token& token) const;
 
     const FlatNetwork& network;
     std::vector<std::optional<std::size_t>> slots; // by automaton of the network
@@ -116,9 +117,21 @@ Possible Alone::at(uint automaton, uint location) const {
     return constant(state[*slot] == *place.location);
 }
 
+Possible Alone::sum(const Condition::Token& token) const {
+    std::int64_t least = 0;
+    std::int64_t most = 0;
+    for (const auto& [part, weight] : *token.parts) {
+        const Possible holds = atom(part);
+        (weight > 0 ? most : least) += holds.may ? weight : 0;
+        (weight > 0 ? least : most) += holds.must ? weight : 0;
+    }
+    return {most >= token.least, least >= token.least};
+}
+
 Possible Alone::atom(const Condition::Token& token) const {
     using Term = Condition::Term;
     if (token.term == Term::at) return at(token.number, token.location);
+    if (token.term == Term::sum) return sum(token);
     Possible some = constant(false);
     if (token.term == Term::prop) {
         for (const auto& [a, l] : network.carriers(token.number))

@@ -19,7 +19,7 @@ Property::Property(const NetTimedModel& model, Condition question)
         if (isNew) atoms.emplace_back();
         return entry->second;
     };
-    for (Condition::Token& token : condition.tokens) {
+    const auto makeIndex = [&](Condition::Token& token) {
         if (token.term == Term::prop) {
             token.number = indexIn(props, token.number);
         } else if (token.term == Term::at) {
@@ -34,6 +34,13 @@ Property::Property(const NetTimedModel& model, Condition question)
             }
             token.number = *possible;
         }
+    };
+    for (Condition::Token& token : condition.tokens) {
+        makeIndex(token);
+        if (token.term != Term::sum) continue;
+        std::vector<Condition::Part> parts = *token.parts;
+        for (Condition::Part& part : parts) makeIndex(part.atom);
+        token.parts = std::make_shared<const std::vector<Condition::Part>>(std::move(parts));
     }
     asked = atoms.size();
     if (possible) {
@@ -103,6 +110,11 @@ struct Truth {
 
     static bool constant(bool value) { return value; }
     [[nodiscard]] bool atom(const Condition::Token& token) const {
+        if (token.term == Condition::Term::sum) {
+            std::int64_t sum = 0;
+            for (const auto& [part, weight] : *token.parts) sum += atom(part) ? weight : 0;
+            return sum >= token.least;
+        }
         return atoms[token.number].holds() != (token.term == Condition::Term::deadlock);
     }
     static bool negation(bool a) { return !a; }

@@ -204,22 +204,23 @@ private:
 std::set<uint> namedAutomata(const NetTimedModel& model, const TemporalFormula& formula) {
     std::set<uint> automata;
     std::set<uint> props;
-    for (const TemporalFormula::Node& node : formula.nodes) {
-        for (const Condition::Token& token : node.condition.tokens) {
-            switch (token.term) {
-            case Condition::Term::at: automata.insert(token.number); break;
-            case Condition::Term::prop: props.insert(token.number); break;
-            case Condition::Term::enabled:
-            case Condition::Term::after: {
-                const auto found = model.actionAutomata.find(token.number);
-                if (found != model.actionAutomata.end()) {
-                    automata.insert(found->second.begin(), found->second.end());
-                }
-                break;
+    const auto name = [&](const Condition::Token& atom) {
+        switch (atom.term) {
+        case Condition::Term::at: automata.insert(atom.number); break;
+        case Condition::Term::prop: props.insert(atom.number); break;
+        case Condition::Term::enabled:
+        case Condition::Term::after: {
+            const auto found = model.actionAutomata.find(atom.number);
+            if (found != model.actionAutomata.end()) {
+                automata.insert(found->second.begin(), found->second.end());
             }
-            default: break;
-            }
+            break;
         }
+        default: break;
+        }
+    };
+    for (const TemporalFormula::Node& node : formula.nodes) {
+        for (const Condition::Token& token : node.condition.tokens) forEachAtom(token, name);
     }
     for (const auto& [location, prop] : model.valuation) {
         if (props.contains(prop)) automata.insert(location.first);

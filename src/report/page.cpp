@@ -33,7 +33,9 @@ void showActions(std::ostream& out, const NetTimedModel& model) {
 void showProps(std::ostream& out, const Report& report) {
     std::map<uint, std::vector<NetTimedModel::Location>> carriers;
     for (const Condition::Token& token : report.condition.tokens) {
-        if (token.term == Term::prop) carriers[token.number];
+        forEachAtom(token, [&](const Condition::Token& atom) {
+            if (atom.term == Term::prop) carriers[atom.number];
+        });
     }
     for (const auto& [location, prop] : report.start.model().valuation) {
         const auto asked = carriers.find(prop);
@@ -59,6 +61,14 @@ void showToken(std::ostream& out, const Condition::Token& token) {
     case Term::deadlock: out << R"("deadlock")"; break;
     case Term::after:
     case Term::initial: out << R"("false")"; break; // formulas about paths have them alone
+    case Term::sum:
+        out << R"(["sum",)" << token.least;
+        for (const auto& [atom, weight] : *token.parts) {
+            out << ',' << weight << ',';
+            showToken(out, atom);
+        }
+        out << ']';
+        break;
     case Term::negation: out << R"("!")"; break;
     case Term::conjunction: out << R"("&")"; break;
     case Term::disjunction: out << R"("|")"; break;

@@ -10,7 +10,8 @@
 //     props               an object from the numbers of the propositions of the condition to
 //                         [name, automaton, location, automaton, location, ...]
 //     condition           in postfix notation: "false", "true", ["prop", p], ["at", a, l],
-//                         ["enabled", x], "deadlock", "!", "&", "|"
+//                         ["enabled", x], "deadlock", "!", "&", "|", ["sum", least, weight, atom,
+//                         weight, atom, ...]
 //     shown               the automata that are shown at first
 //     holds               the positions where the condition holds
 //     steps               [[action, ...], automaton, source, target, automaton, ...] for each step

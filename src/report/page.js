@@ -37,7 +37,10 @@ document.addEventListener("DOMContentLoaded", () => {
     // What the atoms of the condition say, each once.
     const parts = new Map();
     for (const token of data.condition) {
-        if (Array.isArray(token) || token === "deadlock") parts.set(String(token), token);
+        const atoms = token[0] === "sum" ? pieces(token, 2, 2).map(([, atom]) => atom) : [token];
+        for (const atom of atoms) {
+            if (Array.isArray(atom) || atom === "deadlock") parts.set(String(atom), atom);
+        }
     }
 
     function partText(token) {
@@ -59,6 +62,11 @@ document.addEventListener("DOMContentLoaded", () => {
     function questionHolds(state) {
         const values = [];
         const known = new Map();
+        function holds(atom) {
+            const key = String(atom);
+            if (!known.has(key)) known.set(key, partHolds(atom, state));
+            return known.get(key);
+        }
         for (const token of data.condition) {
             if (token === "!") {
                 values.push(!values.pop());
@@ -67,10 +75,11 @@ document.addEventListener("DOMContentLoaded", () => {
                 values.push(token === "&" ? left && right : left || right);
             } else if (token === "true" || token === "false") {
                 values.push(token === "true");
+            } else if (token[0] === "sum") {
+                const weights = pieces(token, 2, 2).map(([w, atom]) => (holds(atom) ? w : 0));
+                values.push(weights.reduce((a, b) => a + b, 0) >= token[1]);
             } else {
-                const key = String(token);
-                if (!known.has(key)) known.set(key, partHolds(token, state));
-                values.push(known.get(key));
+                values.push(holds(token));
             }
         }
         return values.pop();

@@ -58,6 +58,7 @@ int ConditionLiterals::some(std::vector<int> literals) {
 
 int ConditionLiterals::atom(const Condition::Token& token) {
     if (token.term == Condition::Term::at) return at(token.number, token.location);
+    if (token.term == Condition::Term::sum) return sum(token);
     const std::tuple key(position, token.term, token.number);
     if (const auto known = atoms.find(key); known != atoms.end()) return known->second;
     const int result = token.term == Condition::Term::prop      ? prop(token.number)
@@ -99,6 +100,73 @@ int ConditionLiterals::deadlock() {
         possible.push_back(atom({Condition::Term::enabled, action.number}));
     }
     return -some(std::move(possible));
+}
+
+int ConditionLiterals::sum(const Condition::Token& token) {
+    const std::tuple key(position, token.parts, token.least);
+    if (const auto known = sums.find(key); known != sums.end()) return known->second;
+    PositiveSum<int> sum = positiveSum(token, *this);
+    const std::int64_t lacking = sum.total - sum.least + 1; // so much may not be false
+    int result = 0;
+    if (lacking < sum.least) {
+        for (auto& [weight, literal] : sum.parts) literal = -literal;
+        sum.least = lacking;
+        result = -reached(sum);
+    } else {
+        result = reached(sum);
+    }
+    sums.emplace(key, result);
+    return result;
+}
+
+int ConditionLiterals::reached(const PositiveSum<int>& sum) {
+    std::vector<Totals> all;
+    for (const auto& [weight, literal] : sum.parts) {
+        all.push_back({{std::min(weight, sum.least), literal}});
+    }
+    while (all.size() > 1) {
+        std::vector<Totals> pairs;
+        for (std::size_t i = 1; i < all.size(); i += 2) {
+            pairs.push_back(totals(all[i - 1], all[i], sum.least));
+        }
+        if (all.size() % 2 == 1) pairs.push_back(std::move(all.back()));
+        all.swap(pairs);
+    }
+    return all.front().back().second;
+}
+
+ConditionLiterals::Totals ConditionLiterals::totals(const Totals& left, const Totals& right,
+                                                    std::int64_t most) {
+    // What is reached at each amount of a half, from 0 on; after the last one nothing more is.
+    const auto withEnds = [&](const Totals& half) {
+        Totals all = {{0, unrolling.truth()}};
+        all.insert(all.end(), half.begin(), half.end());
+        all.emplace_back(0, -unrolling.truth());
+        return all;
+    };
+    const Totals ofLeft = withEnds(left);
+    const Totals ofRight = withEnds(right);
+    std::map<std::int64_t, int> literals;
+    for (std::size_t l = 0; l + 1 < ofLeft.size(); ++l) {
+        for (std::size_t r = 0; r + 1 < ofRight.size(); ++r) {
+            literals[std::min(ofLeft[l].first + ofRight[r].first, most)] = 0;
+        }
+    }
+    literals.erase(0);
+    for (auto& [amount, literal] : literals) literal = solver.newVariable();
+    for (std::size_t l = 0; l + 1 < ofLeft.size(); ++l) {
+        for (std::size_t r = 0; r + 1 < ofRight.size(); ++r) {
+            const std::int64_t amount = std::min(ofLeft[l].first + ofRight[r].first, most);
+            if (amount > 0) {
+                solver.add({-ofLeft[l].second, -ofRight[r].second, literals[amount]});
+            }
+            const auto above = literals.upper_bound(amount);
+            if (above != literals.end()) {
+                solver.add({ofLeft[l + 1].second, ofRight[r + 1].second, -above->second});
+            }
+        }
+    }
+    return {literals.begin(), literals.end()};
 }
 
 } // namespace tervoxal

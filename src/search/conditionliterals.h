@@ -1,12 +1,20 @@
 // Conditions at the positions of an unrolling, as literals. Each is defined when it is first asked
 // for, in both directions, and an atom that several conditions share is defined once.
+//
+// A sum becomes a totalizer (Bailleux and Boufkhad, Efficient CNF Encoding of Boolean Cardinality
+// Constraints, 2003; with weights Joshi, Martins and Manquinho, Generalized Totalizer Encoding for
+// Pseudo-Boolean Constraints, 2015): the amounts of two halves give those of both, and amounts from
+// the bound on are one. Of n literals with the bound b that is n * b * log(n) clauses at most;
+// where fewer have to be false than true, those are counted.
 
 #pragma once
 
 #include "query/condition.h"
+#include "query/sum.h"
 #include "search/solver.h"
 #include "search/unrolling.h"
 
+#include <cstdint>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -43,11 +51,24 @@ private:
     [[nodiscard]] int at(uint automaton, uint location) const;
     [[nodiscard]] int enabled(uint action);
     [[nodiscard]] int deadlock();
+    [[nodiscard]] int sum(const Condition::Token& token);
+
+    /// What literals of positive weights add up to, as far as it matters (totalizer): an amount,
+    /// and a literal that is true exactly where it is reached, for each amount that can be, from
+    /// the least one on. Nothing at 0, which is always reached.
+    using Totals = std::vector<std::pair<std::int64_t, int>>;
+    [[nodiscard]] Totals totals(const Totals& left, const Totals& right, std::int64_t most);
+    /// The literals of a sum reach its bound.
+    [[nodiscard]] int reached(const PositiveSum<int>& sum);
 
     const Unrolling& unrolling;
     Solver& solver;
     int position = 0;                                            // of the condition at hand
     std::map<std::tuple<int, Condition::Term, uint>, int> atoms; // by position
+    /// By position, parts and bound. The parts are kept, so that no others come to their address.
+    std::map<std::tuple<int, std::shared_ptr<const std::vector<Condition::Part>>, std::int64_t>,
+             int>
+        sums;
 };
 
 } // namespace tervoxal

@@ -1,5 +1,7 @@
 #include "search/evaluator.h"
 
+#include "query/sum.h"
+
 #include <cassert>
 #include <limits>
 #include <map>
@@ -39,6 +41,7 @@ public:
         if (token.term == Condition::Term::at) return at(token.number, token.location);
         if (token.term == Condition::Term::prop) return prop(token.number);
         if (token.term == Condition::Term::deadlock) return deadlock();
+        if (token.term == Condition::Term::sum) return sum(token);
         const auto x = network.action(token.number);
         return x ? 2 * *x : constant(false);
     }
@@ -60,12 +63,12 @@ public:
     }
 
 private:
-    uint addNode(uint missing) {
+    uint addNode(int missing) {
         evaluator.missing.push_back(missing);
         return static_cast<uint>(evaluator.missing.size() - 1);
     }
     void addAction(uint x) {
-        uint missing = 0;
+        int missing = 0;
         for (const uint p : network.participantsOf(x)) {
             bool here = false;
             uint last = std::numeric_limits<uint>::max();
@@ -110,6 +113,16 @@ private:
         const Literal none = addConjunction();
         for (const Literal carrier : carriers) addOperand(none, negation(carrier));
         return entry->second = negation(none);
+    }
+    Literal sum(const Condition::Token& token) {
+        const PositiveSum<Literal> sum = positiveSum(token, *this);
+        const auto node = addNode(static_cast<int>(sum.least));
+        for (const auto& [weight, literal] : sum.parts) {
+            atNode.insert(atNode.end(), static_cast<std::size_t>(weight),
+                          {literal / 2, 2 * node + literal % 2});
+            if (evaluator.isTrue(literal)) evaluator.missing[node] -= static_cast<int>(weight);
+        }
+        return 2 * node;
     }
     Literal deadlock() {
         if (!stuck) {
@@ -170,7 +183,6 @@ void Evaluator::await(Literal literal) {
 
 void Evaluator::count(uint node, bool gained) {
     if (gained) {
-        assert(missing[node] > 0);
         if (--missing[node] == 0) changed(node, true);
     } else {
         if (missing[node]++ == 0) changed(node, false);

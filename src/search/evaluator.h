@@ -1,12 +1,14 @@
 // Many conditions in a state that changes, at a cost that depends on the changes and hardly on the
 // number of conditions.
 //
-// All is counted. A node is an atom or a conjunction, and counts what it still misses: an action
-// the participants that are not where they can take it, a location its automaton, a conjunction the
-// operands that are false. A node holds while it misses nothing. So what a change of the state
-// costs is one count for each node that looks at the location, and one more for each node that
-// looks at one that came to hold or ceased to. What conditions share of atoms is counted once, and
-// a condition that is an atom or its negation is no node of its own.
+// All is counted. A node is an atom, a conjunction or a sum, and counts what it still misses: an
+// action the participants that are not where they can take it, a location its automaton, a
+// conjunction the operands that are false. A node holds while it misses nothing. So what a change
+// of the state costs is one count for each node that looks at the location, and one more for each
+// node that looks at one that came to hold or ceased to. A sum misses what it lacks of its bound,
+// which is less than nothing where it has more, and counts an atom as often as it weighs. What
+// conditions share of atoms is counted once, and a condition that is an atom or its negation is no
+// node of its own.
 //
 // Nodes are numbered from 0, operands before what they are of; the first ones are the actions of
 // the network. A literal is twice a node, and one more for its negation.
@@ -57,7 +59,7 @@ private:
     class Builder;
 
     [[nodiscard]] bool isTrue(Literal literal) const {
-        return (missing[literal / 2] == 0) == (literal % 2 == 0);
+        return (missing[literal / 2] <= 0) == (literal % 2 == 0);
     }
     void count(uint node, bool gained);
     void changed(uint node, bool now);
@@ -66,7 +68,7 @@ private:
     void await(Literal literal);
 
     const FlatNetwork& network;
-    std::vector<uint> missing;    // of each node
+    std::vector<int> missing;     // of each node
     Rows<uint> lookingAtLocation; // the nodes
     Rows<uint> lookingAtNode;     // a literal of each node that has it, negated where it is negated
     std::vector<Literal> literals; // of each condition

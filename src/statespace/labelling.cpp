@@ -1,6 +1,9 @@
 #include "statespace/labelling.h"
 
+#include "query/sum.h"
+
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <optional>
 
@@ -10,6 +13,36 @@ namespace {
 
 constexpr std::size_t wordBits = 64;
 constexpr Labelling::Word all = ~Labelling::Word(0);
+
+/// 64 numbers side by side, a word for each of their binary digits.
+class Numbers {
+public:
+    /// Adds the amount to the numbers that have a bit there.
+    void add(Labelling::Word where, std::uint64_t amount) {
+        for (std::size_t digit = 0; amount != 0; ++digit, amount /= 2) {
+            if (amount % 2 == 0) continue;
+            Labelling::Word carried = where;
+            for (std::size_t d = digit; carried != 0; ++d) {
+                if (d >= digits.size()) digits.resize(d + 1);
+                const Labelling::Word sum = digits[d] ^ carried;
+                carried &= digits[d];
+                digits[d] = sum;
+            }
+        }
+    }
+    /// Those that are at least the bound.
+    [[nodiscard]] Labelling::Word atLeast(std::uint64_t bound) const {
+        if (digits.size() < wordBits && bound >> digits.size() != 0) return 0;
+        Labelling::Word reached = all; // by the digits looked at so far
+        for (std::size_t d = 0; d < digits.size(); ++d) {
+            reached = (bound >> d & 1U) != 0 ? digits[d] & reached : digits[d] | reached;
+        }
+        return reached;
+    }
+
+private:
+    std::vector<Labelling::Word> digits;
+};
 
 } // namespace
 
@@ -37,6 +70,7 @@ Labelling::Label Labelling::atom(const Condition::Token& token) {
         const std::optional<uint> x = space.network.action(token.number);
         return x ? enabled(*x) : constant(false);
     }
+    case Term::sum: return sum(token);
     default: return deadlock();
     }
 }
@@ -102,6 +136,20 @@ Labelling::Label Labelling::deadlock() {
     }
     stuck = {round, negation(some)};
     return stuck.value;
+}
+
+/// The parts that may hold tell whether the sum may reach its bound, those that must, whether it
+/// must.
+Labelling::Label Labelling::sum(const Condition::Token& token) {
+    const PositiveSum<Label> sum = positiveSum(token, *this);
+    Numbers may;
+    Numbers must;
+    for (const auto& [weight, label] : sum.parts) {
+        may.add(label.may, static_cast<std::uint64_t>(weight));
+        must.add(label.must, static_cast<std::uint64_t>(weight));
+    }
+    const auto least = static_cast<std::uint64_t>(sum.least);
+    return {may.atLeast(least), must.atLeast(least)};
 }
 
 } // namespace tervoxal

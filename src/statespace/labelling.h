@@ -55,6 +55,7 @@ private:
     [[nodiscard]] Label prop(uint number);
     [[nodiscard]] Label enabled(uint action);
     [[nodiscard]] Label deadlock();
+    [[nodiscard]] Label sum(const Condition::Token& token);
     [[nodiscard]] Word column(uint slot, uint location);
 
     const StateSpace& space;

@@ -1,5 +1,7 @@
 #include "translation/evaluation.h"
 
+#include "translation/adder.h"
+
 #include <cassert>
 #include <map>
 #include <utility>
@@ -11,7 +13,7 @@ Evaluation::Evaluation(const NetTimedModel& model, Condition asked)
     using Term = Condition::Term;
     std::map<uint, uint> props;
     std::optional<uint> deadlock;
-    for (Condition::Token& token : condition.tokens) {
+    const auto makeIndex = [&](Condition::Token& token) {
         assert(token.term != Term::after && token.term != Term::initial);
         const auto next = static_cast<uint>(atoms.size());
         if (token.term == Term::prop) {
@@ -30,6 +32,13 @@ Evaluation::Evaluation(const NetTimedModel& model, Condition asked)
             }
             token.number = *deadlock;
         }
+    };
+    for (Condition::Token& token : condition.tokens) {
+        makeIndex(token);
+        if (token.term != Term::sum) continue;
+        std::vector<Condition::Part> parts = *token.parts;
+        for (Condition::Part& part : parts) makeIndex(part.atom);
+        token.parts = std::make_shared<const std::vector<Condition::Part>>(std::move(parts));
     }
     if (deadlock) {
         for (const auto& [number, automata] : model.actionAutomata) (void)addAction(number);
@@ -73,6 +82,7 @@ struct Evaluation::Formulas {
 
     static BoolForm constant(bool value) { return value; }
     [[nodiscard]] BoolForm atom(const Condition::Token& token) const {
+        if (token.term == Condition::Term::sum) return reached(positiveSum(token, *this));
         std::optional<BoolForm>& known = of.built[token.number];
         if (!known) {
             known = token.term == Condition::Term::deadlock ? deadlock() : carried(token.number);

@@ -1,5 +1,7 @@
 #include "translation/transitionfunction.h"
 
+#include "translation/adder.h"
+
 #include <cassert>
 #include <map>
 #include <utility>
@@ -141,7 +143,9 @@ struct TransitionFunction::Atoms {
     Atoms(const TransitionFunction& function, const Condition& condition) : function(function) {
         std::map<uint, Formulas> carriers;
         for (const Condition::Token& token : condition.tokens) {
-            if (token.term == Term::prop) carriers[token.number];
+            forEachAtom(token, [&](const Condition::Token& atom) {
+                if (atom.term == Term::prop) carriers[atom.number];
+            });
         }
         for (const auto& [location, prop] : function.model.valuation) {
             const auto named = carriers.find(prop);
@@ -155,6 +159,7 @@ struct TransitionFunction::Atoms {
 
     BoolForm atom(const Condition::Token& token) {
         if (token.term == Term::at) return function.at(token.number, token.location);
+        if (token.term == Term::sum) return reached(positiveSum(token, *this));
         const auto [value, first] =
             known.try_emplace(std::pair(token.term, token.number), BoolForm(false));
         if (first) {
