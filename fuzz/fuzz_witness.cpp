@@ -1,6 +1,6 @@
 #include "fuzz.h"
 
-#include "programs/witness.h"
+#include "programs/aigerwitness.h"
 
 #include <cassert>
 #include <sstream>
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const std::size_t skipped = size == 0 ? 0 : 1;
         std::istringstream in(
             std::string(reinterpret_cast<const char*>(data) + skipped, size - skipped));
-        const Witness witness = readWitness(in, "fuzz", shape);
+        const AigerWitness witness = readAigerWitness(in, "fuzz", shape);
         assert(witness.verdict == SolverAnswer::Verdict::satisfiable || witness.steps.empty());
         for (const std::string& step : witness.steps) {
             assert(step.size() == shape.inputs);

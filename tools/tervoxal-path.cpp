@@ -3,8 +3,8 @@
 
 #include "model/choices.h"
 #include "model/names.h"
+#include "programs/aigerwitness.h"
 #include "programs/solveranswer.h"
-#include "programs/witness.h"
 #include "query/askedformula.h"
 #include "query/grammar.h"
 #include "query/question.h"
@@ -113,9 +113,9 @@ Found solverPath(const CommandLine& line, const NetTimedModel& model) {
 
 Found witnessPath(const CommandLine& line, const NetTimedModel& model) {
     const CircuitShape shape{Choices(model).bits, static_cast<std::size_t>(model.totalNrVertBits)};
-    const Witness witness =
+    const AigerWitness witness =
         answerIn(line.value("witness", ""), [&](std::istream& in, const std::string& name) {
-            return readWitness(in, name, shape);
+            return readAigerWitness(in, name, shape);
         });
     if (witness.verdict != SolverAnswer::Verdict::satisfiable) {
         return {{}, withoutPath(witness.verdict, "model checker", "any length")};

@@ -2,7 +2,7 @@
 
 #include "model/choices.h"
 #include "model/layout.h"
-#include "programs/witness.h"
+#include "programs/aigerwitness.h"
 #include "replay/transitions.h"
 #include "replay/walk.h"
 #include "text/fatal.h"
@@ -124,7 +124,7 @@ void Prover::refute(const std::string& witness, const std::string& source) {
     std::istringstream in(witness);
     const CircuitShape shape{Choices(model).bits, static_cast<std::size_t>(model.totalNrVertBits)};
     const Path path =
-        decodeChoices(model, readWitness(in, "the witness of " + source, shape).steps);
+        decodeChoices(model, readAigerWitness(in, "the witness of " + source, shape).steps);
     const Transitions transitions(model);
     replay(Walk(transitions, path, board[question].condition), names);
     board.offer(runOf(board.network, path));

@@ -1,4 +1,4 @@
-#include "programs/witness.h"
+#include "programs/aigerwitness.h"
 
 #include "text/fatal.h"
 #include "text/lines.h"
@@ -19,7 +19,7 @@ public:
     WitnessReader(std::istream& in, const std::string& name, const CircuitShape& shape)
         : in(in), name(name), shape(shape) {}
 
-    Witness read() {
+    AigerWitness read() {
         readLines();
         std::size_t at = 0;
         Verdict verdict = Verdict::satisfiable;
@@ -108,7 +108,8 @@ private:
 
 } // namespace
 
-Witness readWitness(std::istream& in, const std::string& name, const CircuitShape& shape) {
+AigerWitness readAigerWitness(std::istream& in, const std::string& name,
+                              const CircuitShape& shape) {
     return WitnessReader(in, name, shape).read();
 }
 

@@ -29,7 +29,7 @@ struct CircuitShape {
     std::size_t latches;
 };
 
-struct Witness {
+struct AigerWitness {
     SolverAnswer::Verdict verdict;
     /// The inputs of each step: a 0, 1 or x for each. Empty unless satisfiable.
     std::vector<std::string> steps;
@@ -38,7 +38,7 @@ struct Witness {
 /// Reads a witness to the end of the stream. One that is cut off or is not about such a circuit
 /// ends the process with status 1 and one line on standard error, which begins with the name.
 /// Linear in the stream.
-[[nodiscard]] Witness readWitness(std::istream& in, const std::string& name,
-                                  const CircuitShape& shape);
+[[nodiscard]] AigerWitness readAigerWitness(std::istream& in, const std::string& name,
+                                            const CircuitShape& shape);
 
 } // namespace tervoxal
