@@ -4,8 +4,10 @@
 // object without a "<", so that no name can end it.
 //
 //     network, question   what the command was called with; question is empty where nothing is
-//     asked automata, actionNames    as in the JSON report actions             [number, [automaton,
-//     source, target, source, target, ...], ...] for each
+//                         asked
+//     automata            as in the JSON report
+//     actionNames         likewise
+//     actions             [number, [automaton, source, target, source, target, ...], ...] for each
 //                         action, by ascending number
 //     props               an object from the numbers of the propositions of the condition to
 //                         [name, automaton, location, automaton, location, ...]
