@@ -4,9 +4,9 @@
 #ifdef TERVOXAL_HAS_EXPAT
 #include "contest/propertyfile.h"
 #endif
-#include "fixpoint/statebystate.h"
 #include "model/names.h"
 #include "modelchecker/prover.h"
+#include "paths/pathsearch.h"
 #include "query/grammar.h"
 #include "query/question.h"
 #include "report/answers.h"
@@ -52,8 +52,8 @@ const Command command{
     "asked. Once there is a path, it spends a few seconds on shorter ones. Ctrl-C (SIGINT) and\n"
     "SIGTERM end it with what is known by then, a second one at once.\n"
     "\n"
-    "A question with temporal operators is answered from all states of the network. If it speaks\n"
-    "of all paths it is a claim about the initial state, and the path is one on which it fails.\n"
+    "A question with temporal operators is about paths. If it speaks of all of them it is a claim\n"
+    "about the initial state, and the path is one on which it fails.\n"
     "\n"
     "Exit status: 10 a path, replayed on the network; 20 no path of these lengths, or of any; 0 "
     "no\n"
@@ -222,53 +222,6 @@ void addFairness(std::vector<Question>& questions, const Fairness& fairness) {
     }
 }
 
-/// What is known of a question about paths when all states have been searched for it.
-void learnAnswer(Known& known, StateByState::Answer answer, std::size_t states,
-                 const Lengths& lengths) {
-    if (!answer.witness) {
-        Certificate certificate;
-        certificate.states = states;
-        known.unreachable = true;
-        known.settled = true;
-        known.certificate = std::make_shared<const Certificate>(std::move(certificate));
-        return;
-    }
-    const int length = answer.witness->path.k;
-    if (answer.witness->least) known.refuted = std::min(length - 1, lengths.to);
-    known.settled = answer.witness->least || (lengths.any && length <= lengths.to);
-    known.path = std::move(answer.witness->path);
-}
-
-/// Answers the questions about paths.
-void answerTemporal(const Call& call, const FlatNetwork& network, Answers& answers,
-                    Progress& progress, const std::function<bool()>& stop) {
-    StateByState search(network);
-    for (std::size_t q = 0; q < call.asked.questions.size(); ++q) {
-        const Question& question = call.asked.questions[q];
-        if (!question.temporal) continue;
-        Known& known = answers.known(q);
-        known.claim = isClaim(*question.temporal);
-        if (!search.explore(call.states, stop)) {
-            known.open = stop() ? "not all states were found in time"
-                                : "open: more than " + std::to_string(call.states) +
-                                      " states, --states=NUMBER searches more";
-            progress.settled(answers, q);
-            continue;
-        }
-        StateByState::Answer answer =
-            search.answer(*question.temporal, question.fairness, call.asked.lengths.any);
-        if (answer.unfair) {
-            progress.end();
-            std::cerr << "warning: " << (call.many ? question.name + ": " : "")
-                      << "no infinite path is fair, so none counts\n";
-        }
-        learnAnswer(known, std::move(answer), search.states(), call.asked.lengths);
-        const bool within = known.path && known.path->k <= call.asked.lengths.to;
-        if (within) progress.found(answers, q);
-        if (!within || !known.settled) progress.settled(answers, q);
-    }
-}
-
 } // namespace
 
 int main(int argc, char* argv[]) {
@@ -348,21 +301,33 @@ int main(int argc, char* argv[]) {
     listener.closed = listener.unreachable;
     bool ended = false;
     Clock::time_point looked = begin;
-    listener.stop =
-        [&] { // asked so often that a look each time would cost a tenth of short queries
-            const Clock::time_point now = Clock::now();
-            if (ended || now - looked < std::chrono::milliseconds(1)) return ended;
-            looked = now;
-            progress.live([&] { return portfolio.status(); });
-            ended = late();
-            return ended || (prover && prover->ready());
-        };
+    // Asked so often that a look each time would cost a tenth of short queries.
+    const auto over = [&](const auto& searching) {
+        const Clock::time_point now = Clock::now();
+        if (ended || now - looked < std::chrono::milliseconds(1)) return ended;
+        looked = now;
+        progress.live([&] { return searching.status(); });
+        return ended = late();
+    };
+    Clock::time_point turnsEnd = Clock::time_point::max();
+    listener.stop = [&] {
+        return over(portfolio) || looked >= turnsEnd || (prover && prover->ready());
+    };
     if (call.prove) {
         listener.proving = [&] {
             return prover->working() || Clock::now() < begin + call.proveSeconds;
         };
     }
-    answerTemporal(call, network, answers, progress, late);
+    PathSearch paths(network, names, call.asked, answers, progress,
+                     {call.states, line.has("least"), listener.proving});
+    while (paths.open() && !late()) { // in turns, so that easy questions need not wait for others
+        const auto share = paths.share();
+        paths.turn([&] { return over(paths); });
+        turnsEnd = Clock::now() + share;
+        if (paths.open()) portfolio.run(listener);
+    }
+    paths.giveUp();
+    turnsEnd = Clock::time_point::max();
     portfolio.run(listener);
     while (prover && prover->working() && !late()) {
         if (prover->ready()) {

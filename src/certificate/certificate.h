@@ -25,6 +25,7 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tervoxal {
@@ -69,6 +70,9 @@ struct Certificate {
 
 /// The same, with equal weights but once, ascending, and with no set twice.
 [[nodiscard]] std::vector<Certificate::Weighed> merged(std::vector<Certificate::Weighed> weighed);
+
+/// A line before the question where the certificate is about another network.
+constexpr std::string_view observedHead = "# in the network with an observer of the formula:";
 
 /// Writes a line `NAME: EXPRESSION` for each set, which is a file of questions: no reachable state
 /// answers any of them. Automata that were searched alone and a number of states are comments. An

@@ -1,5 +1,6 @@
 #include "certificate/writtencertificate.h"
 
+#include "certificate/certificate.h"
 #include "query/vocabulary.h"
 #include "text/escapes.h"
 #include "text/fatal.h"
@@ -89,6 +90,8 @@ private:
         } else if (take(aloneHead)) {
             lists = true;
             if (!result.alone) result.alone.emplace();
+        } else if (take(observedHead)) {
+            refuse("this is about the network with an observer, which only the search has");
         } else if (take(statesHead)) {
             refuse("this tells how many states were searched, which no clauses can show");
         }

@@ -32,6 +32,7 @@
 #include "query/temporalformula.h"
 
 #include <cstddef>
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -45,6 +46,10 @@ struct ObservedNetwork {
     Names names;
     /// By action, that of the network; nothing of a silent step.
     std::vector<std::optional<uint>> actions;
+    /// The action after which a loop begins, if there is one (see loops.h).
+    std::optional<uint> save{};
+    /// The location of the network that one of these stands for, where it is another number.
+    std::map<NetTimedModel::Location, uint> origins{};
     uint observer = 0; // its number
     /// The locations of the observer at which a loop shows the formula, ascending.
     std::vector<uint> looping;

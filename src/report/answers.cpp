@@ -76,7 +76,7 @@ std::string Answers::line(std::size_t question) const {
     const bool path = outcome.kind == Outcome::Kind::path;
     if (!path && outcome.kind != Outcome::Kind::never) return line + " CANNOT_COMPUTE";
     return line + (path != outcome.claim ? " TRUE" : " FALSE") + " TECHNIQUES EXPLICIT" +
-           (its.temporal ? "" : " SAT_SMT TOPOLOGICAL");
+           (its.temporal && !all[question].observed ? "" : " SAT_SMT TOPOLOGICAL");
 }
 
 int Answers::status() const {
@@ -202,12 +202,16 @@ void Answers::showCertificate(std::ostream& out, std::size_t question) const {
     assert(all[question].certificate);
     const Question& of = asked.questions[question];
     const bool claim = of.temporal && isClaim(*of.temporal);
+    const ObservedNetwork* const observed = all[question].observed.get();
     out << "# network: " << readable(asked.network) << '\n'
+        << (observed != nullptr ? std::string(observedHead) + '\n' : "")
         << (claim ? "# always: " : "# never: ")
         << (of.temporal ? readable(of.text)
                         : ExpressionText(transitions.model, names).of(of.condition))
         << '\n';
-    tervoxal::showCertificate(out, transitions.model, names, *all[question].certificate);
+    tervoxal::showCertificate(out, observed != nullptr ? observed->model : transitions.model,
+                              observed != nullptr ? observed->names : names,
+                              *all[question].certificate);
 }
 
 void Answers::writeCertificates(const std::string& directory) const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "certificate/certificate.h"
+#include "observer/observednetwork.h"
 #include "replay/path.h"
 
 #include <limits>
@@ -18,6 +19,9 @@ struct Known {
     std::optional<Path> path{};                       // that meets it
     bool unreachable = false;                         // no path of any length meets it
     std::shared_ptr<const Certificate> certificate{}; // if unreachable
+    /// The network with an observer on which this was found out, if it was: the certificate is
+    /// about it.
+    std::shared_ptr<const ObservedNetwork> observed{};
     bool settled = false; // nothing is left to find out that was asked for
     bool claim = false;   // that holds unless a path is found that shows the contrary
     std::string open{};   // why nothing is known, if there is more to say than the time
