@@ -273,6 +273,7 @@ private:
             }
         } while (goesOn(word));
         std::vector<Condition::Token> atoms;
+        atoms.reserve(left.size());
         for (const unsigned int action : left) atoms.push_back({Term::enabled, action});
         return joined(atoms, And, true);
     }
@@ -407,8 +408,8 @@ private:
                                                    : False,
                          sum};
         };
-        const Token lower = token(0);
-        const Token higher = token(1);
+        Token lower = token(0);
+        Token higher = token(1);
         const bool needsLower = relation != Relation::atMost && relation != Relation::above;
         const bool needsHigher = relation != Relation::atLeast && relation != Relation::below;
         const bool never =

@@ -114,12 +114,12 @@ private:
         if (isPart(half)) return sum.parts[half.first].second.negated ? 2 : 1;
         const auto [known, isNew] = sizes.try_emplace({half, least}, 0);
         if (!isNew) return known->second;
-        const auto [left, right] = halves(half);
+        const std::pair<Half, Half> split = halves(half);
         std::size_t size = 0;
         forEachPair(half, least, [&](std::int64_t l, std::int64_t r) {
             size += (size > 0 ? 1 : 0) + (l > 0 && r > 0 ? 1 : 0);
-            if (size <= most) size += sizeOf(left, l);
-            if (size <= most) size += sizeOf(right, r);
+            if (size <= most) size += sizeOf(split.first, l);
+            if (size <= most) size += sizeOf(split.second, r);
         });
         return sizes[{half, least}] = std::min(size, most + 1);
     }
@@ -131,11 +131,11 @@ private:
             if (literal.negated) tokens.push_back({Term::negation});
             return;
         }
-        const auto [left, right] = halves(half);
+        const std::pair<Half, Half> split = halves(half);
         bool isFirst = true;
         forEachPair(half, least, [&](std::int64_t l, std::int64_t r) {
-            if (l > 0) append(tokens, left, l);
-            if (r > 0) append(tokens, right, r);
+            if (l > 0) append(tokens, split.first, l);
+            if (r > 0) append(tokens, split.second, r);
             if (l > 0 && r > 0) tokens.push_back({Term::conjunction});
             if (!isFirst) tokens.push_back({Term::disjunction});
             isFirst = false;

@@ -404,7 +404,7 @@ void Maker::make() {
 
 } // namespace
 
-StepClauses::StepClauses(const FlatNetwork& network, const Scope& scope) : scope(scope) {
+StepClauses::StepClauses(const FlatNetwork& network, Scope scope) : scope(std::move(scope)) {
     Maker(*this, network).make();
 }
 

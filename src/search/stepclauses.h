@@ -59,7 +59,7 @@ struct Scope {
 
 struct StepClauses {
     /// Linear in the network, but for sorting.
-    StepClauses(const FlatNetwork& network, const Scope& scope);
+    StepClauses(const FlatNetwork& network, Scope scope);
 
     struct Variable {
         uint level;    // it is false in the first `level` steps

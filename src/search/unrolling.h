@@ -27,7 +27,7 @@ public:
     /// At position 0. The network and the solver must outlive it.
     Unrolling(const FlatNetwork& network, Solver& solver, const Scope& scope);
     /// With the clauses of the network's steps.
-    Unrolling(const FlatNetwork& network, Solver& solver, StepClauses clauses);
+    Unrolling(const FlatNetwork& network, Solver& solver, StepClauses made);
 
     /// One more position.
     void step();
