@@ -57,49 +57,31 @@ int ConditionLiterals::some(std::vector<int> literals) {
 }
 
 int ConditionLiterals::atom(const Condition::Token& token) {
-    if (token.term == Condition::Term::at) return at(token.number, token.location);
-    if (token.term == Condition::Term::sum) return sum(token);
-    const std::tuple key(position, token.term, token.number);
+    const auto make = [&] { return atomValue(unrolling.network, token, *this); };
+    return token.term == Condition::Term::prop ? shared(token.term, token.number, make) : make();
+}
+
+template <class Make>
+int ConditionLiterals::shared(Condition::Term term, uint number, Make&& make) {
+    const std::tuple key(position, term, number);
     if (const auto known = atoms.find(key); known != atoms.end()) return known->second;
-    const int result = token.term == Condition::Term::prop      ? prop(token.number)
-                       : token.term == Condition::Term::enabled ? enabled(token.number)
-                                                                : deadlock();
+    const int result = make();
     atoms.emplace(key, result);
     return result;
 }
 
-int ConditionLiterals::prop(uint number) {
-    std::vector<int> literals;
-    for (const auto& [a, l] : unrolling.network.carriers(number)) literals.push_back(at(a, l));
-    return some(std::move(literals));
+int ConditionLiterals::located(uint location) const {
+    return unrolling.location(position, location);
 }
 
-int ConditionLiterals::at(uint automaton, uint location) const {
-    const FlatNetwork::Place place = unrolling.network.place(automaton, location);
-    return place.location ? unrolling.location(position, *place.location) : constant(place.always);
-}
-
-int ConditionLiterals::enabled(uint action) {
-    const FlatNetwork& network = unrolling.network;
-    const auto x = network.action(action);
-    if (!x) return constant(false);
-    std::vector<int> missing;
-    for (const uint p : network.participantsOf(*x)) {
-        std::vector<int> sources;
-        for (const uint m : network.movesOf(p)) {
-            sources.push_back(unrolling.location(position, network.moves[m].source));
-        }
-        missing.push_back(-some(std::move(sources)));
-    }
-    return -some(std::move(missing));
+int ConditionLiterals::possible(uint action) {
+    return shared(Condition::Term::enabled, action,
+                  [&] { return possibleValue(unrolling.network, action, *this); });
 }
 
 int ConditionLiterals::deadlock() {
-    std::vector<int> possible;
-    for (const FlatNetwork::Action& action : unrolling.network.actions) {
-        possible.push_back(atom({Condition::Term::enabled, action.number}));
-    }
-    return -some(std::move(possible));
+    return shared(Condition::Term::deadlock, 0,
+                  [&] { return deadlockValue(unrolling.network, *this); });
 }
 
 int ConditionLiterals::sum(const Condition::Token& token) {

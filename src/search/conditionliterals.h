@@ -14,6 +14,7 @@
 #include "search/solver.h"
 #include "search/unrolling.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <tuple>
@@ -36,7 +37,7 @@ public:
     /// last question was satisfiable under the literal of the condition there.
     [[nodiscard]] std::vector<uint> cube(const Condition& condition);
 
-    /// Literals are an algebra for conditions.
+    /// Literals are an algebra for conditions and their atoms.
     [[nodiscard]] int constant(bool value) const;
     [[nodiscard]] int atom(const Condition::Token& token);
     [[nodiscard]] static int negation(int a) { return -a; }
@@ -45,13 +46,17 @@ public:
 
     /// Some of the literals is true.
     [[nodiscard]] int some(std::vector<int> literals);
-
-private:
-    [[nodiscard]] int prop(uint number);
-    [[nodiscard]] int at(uint automaton, uint location) const;
-    [[nodiscard]] int enabled(uint action);
+    template <class Value>
+    [[nodiscard]] int some(std::size_t count, Value&& value);
+    [[nodiscard]] int located(uint location) const;
+    [[nodiscard]] int possible(uint action);
     [[nodiscard]] int deadlock();
     [[nodiscard]] int sum(const Condition::Token& token);
+
+private:
+    /// The literal of an atom at the position at hand, made if it is not known.
+    template <class Make>
+    [[nodiscard]] int shared(Condition::Term term, uint number, Make&& make);
 
     /// What literals of positive weights add up to, as far as it matters (totalizer): an amount,
     /// and a literal that is true exactly where it is reached, for each amount that can be, from
@@ -70,5 +75,12 @@ private:
              int>
         sums;
 };
+
+template <class Value>
+int ConditionLiterals::some(std::size_t count, Value&& value) {
+    std::vector<int> literals;
+    for (std::size_t i = 0; i < count; ++i) literals.push_back(value(i));
+    return some(std::move(literals));
+}
 
 } // namespace tervoxal

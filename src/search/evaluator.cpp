@@ -1,5 +1,6 @@
 #include "search/evaluator.h"
 
+#include "query/atoms.h"
 #include "query/sum.h"
 
 #include <cassert>
@@ -10,7 +11,8 @@
 
 namespace tervoxal {
 
-/// The nodes of conditions. Literals are an algebra for conditions, in the initial state.
+/// The nodes of conditions. Literals are an algebra for conditions and their atoms, in the initial
+/// state.
 class Evaluator::Builder {
 public:
     explicit Builder(Evaluator& evaluator)
@@ -38,12 +40,10 @@ public:
         return 2 * *truth + (value ? 0 : 1);
     }
     Literal atom(const Condition::Token& token) {
-        if (token.term == Condition::Term::at) return at(token.number, token.location);
-        if (token.term == Condition::Term::prop) return prop(token.number);
-        if (token.term == Condition::Term::deadlock) return deadlock();
-        if (token.term == Condition::Term::sum) return sum(token);
-        const auto x = network.action(token.number);
-        return x ? 2 * *x : constant(false);
+        if (token.term != Condition::Term::prop) return atomValue(network, token, *this);
+        const auto [entry, isNew] = props.try_emplace(token.number, 0);
+        if (isNew) entry->second = atomValue(network, token, *this);
+        return entry->second;
     }
     static Literal negation(Literal a) { return a ^ 1U; }
     Literal conjunction(Literal a, Literal b) {
@@ -60,6 +60,39 @@ public:
     }
     Literal disjunction(Literal a, Literal b) {
         return negation(conjunction(negation(a), negation(b)));
+    }
+
+    Literal located(uint location) {
+        std::optional<uint>& node = nodeOf[location];
+        if (!node) {
+            node = addNode(network.locations[location].number == 0 ? 0 : 1);
+            atLocation.emplace_back(location, *node);
+        }
+        return 2 * *node;
+    }
+    static Literal possible(uint action) { return 2 * action; }
+    Literal deadlock() {
+        if (!stuck) stuck = deadlockValue(network, *this);
+        return *stuck;
+    }
+    Literal sum(const Condition::Token& token) {
+        const PositiveSum<Literal> sum = positiveSum(token, *this);
+        const auto node = addNode(static_cast<int>(sum.least));
+        for (const auto& [weight, literal] : sum.parts) {
+            atNode.insert(atNode.end(), static_cast<std::size_t>(weight),
+                          {literal / 2, 2 * node + literal % 2});
+            if (evaluator.isTrue(literal)) evaluator.missing[node] -= static_cast<int>(weight);
+        }
+        return 2 * node;
+    }
+    template <class Value>
+    Literal some(std::size_t count, Value&& value) {
+        std::vector<Literal> values;
+        for (std::size_t i = 0; i < count; ++i) values.push_back(value(i));
+        if (count == 1) return values[0];
+        const Literal none = addConjunction();
+        for (const Literal literal : values) addOperand(none, negation(literal));
+        return negation(none);
     }
 
 private:
@@ -91,45 +124,6 @@ private:
     void addOperand(Literal conjunction, Literal operand) {
         atNode.emplace_back(operand / 2, conjunction + operand % 2);
         if (!evaluator.isTrue(operand)) ++evaluator.missing[conjunction / 2];
-    }
-
-    Literal at(uint a, uint l) {
-        const FlatNetwork::Place place = network.place(a, l);
-        if (!place.location) return constant(place.always);
-        const uint location = *place.location;
-        std::optional<uint>& node = nodeOf[location];
-        if (!node) {
-            node = addNode(network.locations[location].number == 0 ? 0 : 1);
-            atLocation.emplace_back(location, *node);
-        }
-        return 2 * *node;
-    }
-    Literal prop(uint number) {
-        const auto [entry, isNew] = props.try_emplace(number, 0);
-        if (!isNew) return entry->second;
-        std::vector<Literal> carriers;
-        for (const auto& [a, l] : network.carriers(number)) carriers.push_back(at(a, l));
-        if (carriers.size() == 1) return entry->second = carriers[0];
-        const Literal none = addConjunction();
-        for (const Literal carrier : carriers) addOperand(none, negation(carrier));
-        return entry->second = negation(none);
-    }
-    Literal sum(const Condition::Token& token) {
-        const PositiveSum<Literal> sum = positiveSum(token, *this);
-        const auto node = addNode(static_cast<int>(sum.least));
-        for (const auto& [weight, literal] : sum.parts) {
-            atNode.insert(atNode.end(), static_cast<std::size_t>(weight),
-                          {literal / 2, 2 * node + literal % 2});
-            if (evaluator.isTrue(literal)) evaluator.missing[node] -= static_cast<int>(weight);
-        }
-        return 2 * node;
-    }
-    Literal deadlock() {
-        if (!stuck) {
-            stuck = addConjunction();
-            for (uint x = 0; x < network.actions.size(); ++x) addOperand(*stuck, negation(2 * x));
-        }
-        return *stuck;
     }
 
     Evaluator& evaluator;

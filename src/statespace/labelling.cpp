@@ -1,5 +1,6 @@
 #include "statespace/labelling.h"
 
+#include "query/atoms.h"
 #include "query/sum.h"
 
 #include <algorithm>
@@ -62,17 +63,7 @@ Labelling::Label Labelling::label(const Condition& condition, std::size_t word) 
 }
 
 Labelling::Label Labelling::atom(const Condition::Token& token) {
-    using Term = Condition::Term;
-    switch (token.term) {
-    case Term::at: return at(token.number, token.location);
-    case Term::prop: return prop(token.number);
-    case Term::enabled: {
-        const std::optional<uint> x = space.network.action(token.number);
-        return x ? enabled(*x) : constant(false);
-    }
-    case Term::sum: return sum(token);
-    default: return deadlock();
-    }
+    return atomValue(space.network, token, *this);
 }
 
 /// Where the automaton in the slot is at the location, an index of the network.
@@ -91,50 +82,22 @@ Labelling::Word Labelling::column(uint slot, uint location) {
     return bits;
 }
 
-Labelling::Label Labelling::at(uint automaton, uint location) {
-    const FlatNetwork::Place place = space.network.place(automaton, location);
-    if (!place.location) return constant(place.always);
-    const std::optional<uint> slot = space.slot(space.network.locations[*place.location].automaton);
+Labelling::Label Labelling::located(uint location) {
+    const std::optional<uint> slot = space.slot(space.network.locations[location].automaton);
     if (!slot) return {all, 0};
-    const Word here = column(*slot, *place.location);
+    const Word here = column(*slot, location);
     return {here, here};
 }
 
-Labelling::Label Labelling::prop(uint number) {
-    Label label = constant(false);
-    for (const auto& [a, l] : space.network.carriers(number)) label = disjunction(label, at(a, l));
-    return label;
-}
-
-/// Whether the action with that index of the network is possible.
-Labelling::Label Labelling::enabled(uint action) {
-    const FlatNetwork& network = space.network;
-    possible.resize(network.actions.size());
-    Cached<Label>& cached = possible[action];
-    if (cached.round == round) return cached.value;
-    Label label = constant(true);
-    for (const uint p : network.participantsOf(action)) {
-        const std::optional<uint> slot = space.slot(network.participants[p].automaton);
-        Label ready = {all, 0};
-        if (slot) {
-            Word sources = 0;
-            for (const uint m : network.movesOf(p))
-                sources |= column(*slot, network.moves[m].source);
-            ready = {sources, sources};
-        }
-        label = conjunction(label, ready);
-    }
-    cached = {round, label};
-    return label;
+Labelling::Label Labelling::possible(uint action) {
+    actions.resize(space.network.actions.size());
+    Cached<Label>& cached = actions[action];
+    if (cached.round != round) cached = {round, possibleValue(space.network, action, *this)};
+    return cached.value;
 }
 
 Labelling::Label Labelling::deadlock() {
-    if (stuck.round == round) return stuck.value;
-    Label some = constant(false);
-    for (uint x = 0; x < space.network.actions.size() && some.must != all; ++x) {
-        some = disjunction(some, enabled(x));
-    }
-    stuck = {round, negation(some)};
+    if (stuck.round != round) stuck = {round, deadlockValue(space.network, *this)};
     return stuck.value;
 }
 

@@ -32,7 +32,7 @@ public:
     /// states just before. Precondition: the state 64 * word is found.
     [[nodiscard]] Label label(const Condition& condition, std::size_t word);
 
-    /// Labels are an algebra for conditions.
+    /// Labels are an algebra for conditions and their atoms.
     [[nodiscard]] static Label constant(bool value) { return {Word(0) - value, Word(0) - value}; }
     [[nodiscard]] Label atom(const Condition::Token& token);
     [[nodiscard]] static Label negation(Label a) { return {~a.must, ~a.may}; }
@@ -41,6 +41,18 @@ public:
     }
     [[nodiscard]] static Label disjunction(Label a, Label b) {
         return {a.may | b.may, a.must | b.must};
+    }
+    [[nodiscard]] Label located(uint location);
+    [[nodiscard]] Label possible(uint action);
+    [[nodiscard]] Label deadlock();
+    [[nodiscard]] Label sum(const Condition::Token& token);
+    template <class Value>
+    [[nodiscard]] static Label some(std::size_t count, Value&& value) {
+        Label label = constant(false);
+        for (std::size_t i = 0; i < count && label.must != ~Word(0); ++i) {
+            label = disjunction(label, value(i));
+        }
+        return label;
     }
 
 private:
@@ -51,19 +63,14 @@ private:
         Value value{};
     };
 
-    [[nodiscard]] Label at(uint automaton, uint location);
-    [[nodiscard]] Label prop(uint number);
-    [[nodiscard]] Label enabled(uint action);
-    [[nodiscard]] Label deadlock();
-    [[nodiscard]] Label sum(const Condition::Token& token);
     [[nodiscard]] Word column(uint slot, uint location);
 
     const StateSpace& space;
     std::size_t word = 0;
-    std::size_t known = 0;               // states of the word that are found
-    std::size_t round = 0;               // another one where the states at hand change
-    std::vector<Cached<Word>> columns;   // by location of the state space
-    std::vector<Cached<Label>> possible; // by action of the network
+    std::size_t known = 0;              // states of the word that are found
+    std::size_t round = 0;              // another one where the states at hand change
+    std::vector<Cached<Word>> columns;  // by location of the state space
+    std::vector<Cached<Label>> actions; // by action of the network, whether it is possible
     Cached<Label> stuck;
 };
 
